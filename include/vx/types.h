@@ -1,0 +1,14 @@
+/* What every header of the exported interface stands on.
+ *
+ * All exported functions have C linkage, take plain values and pointers, and let no C++ exception
+ * out. Pixels, rows and buffers are void pointers with a signed 32-bit byte stride; text is
+ * zero-terminated UTF-16. Any buffer stays its owner's: the library frees only what it allocated,
+ * through the family's own call. */
+#ifndef VX_TYPES_H
+#define VX_TYPES_H
+
+#include "vx/platform/types.h"
+
+#define VX_EXPORT VX_VISIBLE
+
+#endif

@@ -1,0 +1,130 @@
+#include "vx/capability.h"
+
+#include "kernel/capability.h"
+#include "kernel/vector_targets.h"
+
+#include <gtest/gtest.h>
+#include <hwy/targets.h>
+#include <string>
+#include <thread>
+#include <xmmintrin.h>
+
+namespace {
+
+// The block is one for the process: each test leaves the mask as it found it.
+class Capability : public testing::Test
+{
+protected:
+    void TearDown() override { VxAllowCPUSupport(0xFFFFFFFFu); }
+};
+
+TEST_F(Capability, WordHoldsWhatTheProcessorHasAndNoMore)
+{
+    const uint32_t word = VxGetCPUSupport(0);
+    EXPECT_EQ(word & VX_CPU_CLASS_MASK, 3u);
+    for (const uint32_t bit : {VX_CPU_SSE, VX_CPU_SSE2, VX_CPU_CMOV, VX_CPU_FPU, VX_CPU_TSC, VX_CPU_FTZ})
+        EXPECT_TRUE(word & bit) << std::hex << bit << ": every x86-64 processor has it";
+    EXPECT_EQ(word & (VX_CPU_MMX | VX_CPU_AVX), 0u) << "never shown in the CPU word";
+    EXPECT_EQ(bool(word & VX_CPU_SSSE3), bool(__builtin_cpu_supports("ssse3")));
+    EXPECT_EQ(bool(word & VX_CPU_SSE42), bool(__builtin_cpu_supports("sse4.2")));
+    EXPECT_EQ(VxGetCPUSupport(VX_CPU_SSE2), VX_CPU_SSE2);
+    EXPECT_GE(VxGetProcessorCount(), 1u);
+}
+
+TEST_F(Capability, OsWordIgnoresTheAllowMask)
+{
+    VxDisallowCPUSupport(-1);
+    EXPECT_EQ(VxGetOSSupport(0), VX_CPU_VECTOR & ~VX_CPU_AVX);
+    EXPECT_EQ(VxGetOSSupport(VX_CPU_MMX), VX_CPU_MMX);
+    EXPECT_EQ(VxGetCPUSupport(0), 0u);
+}
+
+TEST_F(Capability, AllowBringsBackOnlyWhatTheProcessorHas)
+{
+    const uint32_t before = VxGetCPUSupport(0);
+    EXPECT_EQ(VxDisallowCPUSupport(int32_t(VX_CPU_SSE2)), 1);
+    EXPECT_EQ(VxGetCPUSupport(VX_CPU_SSE2), 0u);
+    EXPECT_EQ(VxAllowCPUSupport(VX_CPU_SSE2 | 0x80000000u), 1);
+    EXPECT_EQ(VxGetCPUSupport(0), before);
+}
+
+TEST_F(Capability, OnlyAllowGovernsTheVectorBits)
+{
+    EXPECT_EQ(VxOnlyAllowCPUSupport(VX_CPU_CMOV), 0) << "outside the governed bits";
+    EXPECT_EQ(VxGetCPUSupport(VX_CPU_SSE2), VX_CPU_SSE2) << "a refusal changes nothing";
+    EXPECT_EQ(VxOnlyAllowCPUSupport(VX_CPU_SSE | VX_CPU_SSE2), 1);
+    EXPECT_EQ(VxGetCPUSupport(0) & VX_CPU_VECTOR, VX_CPU_SSE | VX_CPU_SSE2);
+    EXPECT_TRUE(VxGetCPUSupport(VX_CPU_CMOV));
+}
+
+TEST_F(Capability, ClassFollowsTheAllowMask)
+{
+    const struct
+    {
+        uint32_t allowed;
+        uint32_t wantClass;
+    } cases[] = {{VX_CPU_VECTOR, 6}, {VX_CPU_SSE | VX_CPU_MMX, 5}, {VX_CPU_MMX, 4}, {0, 0}};
+    for (const auto& c : cases) {
+        VxOnlyAllowCPUSupport(c.allowed);
+        EXPECT_EQ(VxSetCPUClassBySupport(), 1);
+        EXPECT_EQ(VxGetCPUSupport(0) & VX_CPU_CLASS_MASK, c.wantClass);
+    }
+    VxOnlyAllowCPUSupport(VX_CPU_VECTOR);
+    VxSetCPUClassBySupport();
+    EXPECT_EQ(VxGetCPUSupport(VX_CPU_SSE2), VX_CPU_SSE2 | 6u) << "the override shows whatever the mask";
+    VxOnlyAllowCPUSupport(0);
+    VxSetCPUClassBySupport();
+}
+
+TEST_F(Capability, NarrowingTheMaskNarrowsTheVectorTargets)
+{
+    const struct
+    {
+        uint32_t allowed;
+        int64_t targets; // at most these
+    } cases[] = {
+        {0, 0},
+        {VX_CPU_SSE | VX_CPU_SSE2, 0},
+        {VX_CPU_SSE | VX_CPU_SSE2 | VX_CPU_SSE3 | VX_CPU_SSSE3, HWY_SSSE3},
+        {VX_CPU_VECTOR & ~VX_CPU_AVX, HWY_SSSE3 | HWY_SSE4},
+        {VX_CPU_VECTOR & ~VX_CPU_SSE2, 0},
+        {VX_CPU_VECTOR, HWY_SSSE3 | HWY_SSE4 | HWY_AVX2 | HWY_AVX3 | HWY_AVX3_DL},
+    };
+    for (const auto& c : cases) {
+        VxOnlyAllowCPUSupport(c.allowed);
+        EXPECT_EQ(vx::AllowedVectorTargets(), c.targets & hwy::SupportedTargets()) << std::hex << c.allowed;
+    }
+}
+
+TEST_F(Capability, OnlyTheProbeChangesTheFloatMode)
+{
+    std::thread([] {
+        const unsigned before = _mm_getcsr();
+        vx::AllowedCpuFeatures();
+        vx::AllowedVectorTargets();
+        EXPECT_EQ(_mm_getcsr(), before);
+    }).join();
+}
+
+TEST(FourCC, UnprintableByteEndsTheText)
+{
+    const struct
+    {
+        uint32_t fourCC;
+        std::u16string want;
+    } cases[] = {
+        {0x756E6547, u"Genu"},
+        {0x00006E65, std::u16string(u"en\0\0", 4)},
+        {0x41421F41, std::u16string(u"A\0BA", 4)},
+        {0x7F7E2080, std::u16string(u"\0 ~\0", 4)},
+    };
+    for (const auto& c : cases) {
+        char16_t text[6] = {u'x', u'x', u'x', u'x', u'x', u'x'};
+        VxFourCCToStringCPU(int32_t(c.fourCC), text);
+        EXPECT_EQ(std::u16string(text, 4), c.want);
+        EXPECT_EQ(text[4], u'\0');
+        EXPECT_EQ(text[5], u'x');
+    }
+}
+
+} // namespace
