@@ -50,8 +50,8 @@ VX_EXTERN_C_BEGIN
  * else (R o + base (255 - o)) / 255. Where colours exceed their alpha, R may exceed 255; the low 8
  * bits of the result are stored.
  * Float: f = (float)opacity, not clamped. R is stored where f is above 0.999f (add and overlay:
- * 0.9999f), else R f + (1 - f) base, in 32-bit floats. Nothing is clamped. Which NaN a result that is
- * not a number is, is left open.
+ * 0.9999f), else R f + (1 - f) base, in 32-bit floats. Nothing is clamped. Where two NaNs meet, the
+ * result may be either.
  * Returns false, with nothing changed, for a mode outside 1 to 7; else true, when every row is done.
  * Large frames are shared by rows among worker threads, small ones stay on the caller's; the result
  * is the same. Frames stay the caller's, and nothing is kept. Any thread may call, on different
