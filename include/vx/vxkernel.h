@@ -4,6 +4,9 @@
 
 #include "vx/blend.h"
 #include "vx/capability.h"
+#include "vx/composite.h"
+#include "vx/smpte.h"
+#include "vx/timer.h"
 #include "vx/types.h"
 
 #endif
