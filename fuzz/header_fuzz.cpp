@@ -29,6 +29,8 @@ struct Choices
     RECT rect;
     int32_t stride; // 0: by the header
     bool useRect, horizontal, vertical;
+
+    const RECT* Rect() const { return useRect ? &rect : nullptr; }
 };
 
 Choices ReadChoices(const uint8_t* bytes)
@@ -48,7 +50,7 @@ void Require(bool condition)
 }
 
 // What reads a header alone. Pixels are not touched: sizes may be anything.
-int32_t ReadAlone(const BITMAPINFOHEADER* header)
+void ReadAlone(const BITMAPINFOHEADER* header)
 {
     const int32_t type = VxGetPixelType(header);
     const int32_t bits = VxPixelTypeToBitAttribs(type, nullptr, nullptr, 0, nullptr);
@@ -58,7 +60,6 @@ int32_t ReadAlone(const BITMAPINFOHEADER* header)
     const uint32_t bytes = VxYUVImageBytesAndOffsets(header, &planes);
     Require(bytes == VxYUVImageBytesAndOffsets(header, nullptr));
     Require(bytes == 0 || VxVideo_IsCompressed(header));
-    return type;
 }
 
 // The bytes that a bitmap's rows cover: by its stride, which may be less than a row is long.
@@ -70,38 +71,46 @@ uint64_t PixelBytes(const BITMAPINFOHEADER& header, uint64_t stride)
     return stride * uint32_t(header.biHeight - 1) + std::max(stride, rowBytes);
 }
 
-void FlipAndSwap(BITMAPINFOHEADER* header, void* pixels, const Choices& choices)
+void Flip(BITMAPINFOHEADER* header, void* pixels, const Choices& choices)
 {
-    const RECT* const rect = choices.useRect ? &choices.rect : nullptr;
-    VxDibFlip(header, pixels, rect, choices.stride, choices.horizontal, choices.vertical);
-    VxDibSwapRB(header, pixels, rect, choices.stride);
+    VxDibFlip(header, pixels, choices.Rect(), choices.stride, choices.horizontal, choices.vertical);
 }
 
-// Once over pixels of their own, once over pixels behind the header, where both are small enough.
-void WorkOnPixels(const uint8_t* front, size_t frontBytes, Choices choices)
+void Swap(BITMAPINFOHEADER* header, void* pixels, const Choices& choices)
+{
+    VxDibSwapRB(header, pixels, choices.Rect(), choices.stride);
+}
+
+void WorkOnOwnPixels(const uint8_t* front, size_t frontBytes, const Choices& choices)
 {
     const BITMAPINFOHEADER header = vx::ReadHeader(reinterpret_cast<const BITMAPINFOHEADER*>(front));
     const uint64_t padded = vx::PaddedRowBytes<uint64_t>(header.biBitCount, header.biWidth);
     const uint64_t stride = choices.stride ? uint64_t(std::abs(choices.stride)) : padded;
-    if (header.biHeight > 4096 || (header.biHeight > 0 && header.biWidth > int32_t(kMaxPixelBytes)))
-        return;
     const uint64_t bytes = PixelBytes(header, stride);
     if (bytes > kMaxPixelBytes)
         return;
     const auto copy = CopyOf(front, frontBytes, frontBytes);
     const auto pixels = std::make_unique<uint8_t[]>(bytes);
     const uint64_t lastRow = bytes ? stride * uint32_t(header.biHeight - 1) : 0;
-    FlipAndSwap(reinterpret_cast<BITMAPINFOHEADER*>(copy.get()),
-                pixels.get() + (choices.stride < 0 ? lastRow : 0), choices);
+    uint8_t* const first = pixels.get() + (choices.stride < 0 ? lastRow : 0);
+    for (const auto work : {Flip, Swap})
+        work(reinterpret_cast<BITMAPINFOHEADER*>(copy.get()), first, choices);
+}
 
-    const uint64_t offset = vx::PixelOffset(header);
-    choices.stride = 0;
-    const uint64_t end = offset + PixelBytes(header, padded);
+// A biSize of less than 40 bytes lays the pixels over the header itself, so that work on them may
+// leave another header: each starts from a copy of its own.
+void WorkOnPixelsBehind(const uint8_t* front, size_t frontBytes, Choices choices)
+{
+    const BITMAPINFOHEADER header = vx::ReadHeader(reinterpret_cast<const BITMAPINFOHEADER*>(front));
+    const uint64_t padded = vx::PaddedRowBytes<uint64_t>(header.biBitCount, header.biWidth);
+    const uint64_t end = vx::PixelOffset(header) + PixelBytes(header, padded);
     if (end > kMaxPixelBytes)
         return;
-    // A biSize of less than 40 bytes lays the pixels over the header itself.
-    const auto whole = CopyOf(front, frontBytes, std::max<uint64_t>(frontBytes, end));
-    FlipAndSwap(reinterpret_cast<BITMAPINFOHEADER*>(whole.get()), nullptr, choices);
+    choices.stride = 0;
+    for (const auto work : {Flip, Swap}) {
+        const auto whole = CopyOf(front, frontBytes, std::max<uint64_t>(frontBytes, end));
+        work(reinterpret_cast<BITMAPINFOHEADER*>(whole.get()), nullptr, choices);
+    }
 }
 
 } // namespace
@@ -119,9 +128,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     if (header.biCompression == BI_BITFIELDS && frontBytes < kHeaderBytes + vx::kMaskBytes)
         return 0; // no header of this kind ends before its masks
     ReadAlone(reinterpret_cast<const BITMAPINFOHEADER*>(front.get()));
-    // The table's length is the header's word: what is behind the pixels' place plays no part.
+    // The input's bytes reach up to the pixels at most.
     frontBytes =
         size_t(std::min<uint64_t>(frontBytes, std::max<uint64_t>(vx::PixelOffset(header), kHeaderBytes)));
-    WorkOnPixels(front.get(), frontBytes, choices);
+    if (header.biHeight > 4096)
+        return 0; // rows alone take the time: with a small stride they need few bytes
+    WorkOnOwnPixels(front.get(), frontBytes, choices);
+    WorkOnPixelsBehind(front.get(), frontBytes, choices);
     return 0;
 }

@@ -106,7 +106,7 @@ TEST_P(DibTable, Block)
     ASSERT_EQ(GlobalSize(handle), pixels + c.imageBytes);
     std::vector<uint8_t> rest = ExpectedTable(c, pixels + c.imageBytes - 40);
     std::replace(rest.begin(), rest.end(), uint8_t(0xAA), uint8_t(0));
-    EXPECT_EQ(std::memcmp(dib + 1, rest.data(), rest.size()), 0);
+    EXPECT_TRUE(std::equal(rest.begin(), rest.end(), reinterpret_cast<const uint8_t*>(dib + 1)));
     EXPECT_EQ(VxDibFree(dib, 0), S_OK);
     EXPECT_EQ(GlobalFlags(handle), GMEM_INVALID_HANDLE) << "freed";
 }

@@ -135,6 +135,20 @@ TEST_F(GlobalMemory, LockedAndFixedBlocksStayWhereTheyAre)
     GlobalFree(fixed);
 }
 
+TEST_F(GlobalMemory, AMoveLeavesNoMoreRoomThanItAskedFor)
+{
+    const HGLOBAL block = GlobalAlloc(GMEM_MOVEABLE, 100);
+    EXPECT_EQ(GlobalReAlloc(block, 10, 0), block);
+    GlobalLock(block);
+    EXPECT_EQ(GlobalReAlloc(block, 11, 0), nullptr);
+    GlobalUnlock(block);
+    EXPECT_EQ(GlobalReAlloc(block, 1000, 0), block);
+    GlobalLock(block);
+    EXPECT_EQ(GlobalReAlloc(block, 10, 0), block);
+    EXPECT_EQ(GlobalReAlloc(block, 1000, 0), block);
+    GlobalFree(block);
+}
+
 TEST_F(GlobalMemory, ADiscardedBlockKeepsItsHandle)
 {
     HGLOBAL block = GlobalAlloc(GMEM_MOVEABLE, 0);
