@@ -5,6 +5,7 @@
 #include "vx/blend.h"
 #include "vx/capability.h"
 #include "vx/composite.h"
+#include "vx/pixel.h"
 #include "vx/smpte.h"
 #include "vx/timer.h"
 #include "vx/types.h"
