@@ -16,6 +16,8 @@
 #define VX_WIDE_BYTE_TABLES (HWY_TARGET == HWY_AVX3_DL)
 #define VX_VECTOR_BYTE_TABLES (VX_WIDE_BYTE_TABLES || HWY_TARGET == HWY_AVX3 || HWY_TARGET == HWY_AVX2)
 
+#if VX_VECTOR_BYTE_TABLES
+
 HWY_BEFORE_NAMESPACE();
 namespace vx {
 namespace HWY_NAMESPACE {
@@ -37,11 +39,11 @@ HWY_INLINE TableVec LookUpHalf(const uint8_t* half, TableVec index)
 HWY_INLINE TableVec LookUpBytes(const uint8_t* table, TableVec index)
 {
     namespace hn = hwy::HWY_NAMESPACE;
-    const auto upper = hn::MaskFromVec(index); // the top bit
+    const auto upper = hn::MaskFromVec(index); // on this target, its top bits
     return hn::IfThenElse(upper, LookUpHalf(table + 128, index), LookUpHalf(table, index));
 }
 
-#elif VX_VECTOR_BYTE_TABLES
+#else
 
 // Sixteen lookups of 16 entries each: the index's high half says whose result counts.
 HWY_INLINE TableVec LookUpBytes(const uint8_t* table, TableVec index)
@@ -60,8 +62,6 @@ HWY_INLINE TableVec LookUpBytes(const uint8_t* table, TableVec index)
 }
 
 #endif
-
-#if VX_VECTOR_BYTE_TABLES
 
 // As many pixels as a vector has bytes, channel by channel. Their order is the same in each plane, and
 // is not that of memory: putting them in order would cost more than the lookups.
@@ -116,10 +116,10 @@ HWY_INLINE void StorePlanes(const PixelPlanes& planes, uint8_t* to)
         hn::StoreU(TransposePixels(rows.channel[i]), bytes, to + hn::Lanes(bytes) * size_t(i));
 }
 
-#endif
-
 } // namespace HWY_NAMESPACE
 } // namespace vx
 HWY_AFTER_NAMESPACE();
+
+#endif // VX_VECTOR_BYTE_TABLES
 
 #endif
