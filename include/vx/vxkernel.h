@@ -4,6 +4,7 @@
 
 #include "vx/blend.h"
 #include "vx/capability.h"
+#include "vx/channels.h"
 #include "vx/composite.h"
 #include "vx/pixel.h"
 #include "vx/smpte.h"
