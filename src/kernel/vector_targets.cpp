@@ -3,6 +3,7 @@
 #include "kernel/capability.h"
 #include "vx/capability.h"
 
+#include <atomic>
 #include <bit>
 #include <hwy/targets.h>
 
@@ -17,6 +18,9 @@ struct TargetNeed
     uint32_t bits; // of the capability word, all of them
 };
 
+constexpr int64_t kAllTargets = -1;
+std::atomic<int64_t> g_testedTargets{kAllTargets}; // written by tests only
+
 constexpr uint32_t kSsse3Bits = VX_CPU_SSE | VX_CPU_SSE2 | VX_CPU_SSE3 | VX_CPU_SSSE3;
 constexpr uint32_t kSse4Bits = kSsse3Bits | VX_CPU_SSE41 | VX_CPU_SSE42;
 constexpr TargetNeed kNeeds[] = {
@@ -24,6 +28,13 @@ constexpr TargetNeed kNeeds[] = {
     {HWY_SSE4, kSse4Bits},
     {HWY_AVX2 | HWY_AVX3 | HWY_AVX3_DL, kSse4Bits | VX_CPU_AVX},
 };
+
+// Highway asks the processor anew on each call, which takes microseconds in a virtual machine.
+int64_t SupportedTargets()
+{
+    static const int64_t targets = hwy::SupportedTargets();
+    return targets;
+}
 
 } // namespace
 
@@ -34,7 +45,12 @@ int64_t AllowedVectorTargets()
     for (const TargetNeed& need : kNeeds)
         if ((features & need.bits) == need.bits)
             allowed |= need.targets;
-    return allowed == 0 ? 0 : allowed & hwy::SupportedTargets();
+    return allowed & SupportedTargets() & g_testedTargets;
+}
+
+void LimitVectorTargetsForTest(int64_t targets)
+{
+    g_testedTargets = targets == 0 ? kAllTargets : targets;
 }
 
 size_t BestVectorTarget(int64_t compiled)

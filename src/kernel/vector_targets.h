@@ -14,6 +14,9 @@ namespace vx {
 // The set of Highway's targets (HWY_AVX2 and its like) that this processor has and the host allows.
 int64_t AllowedVectorTargets();
 
+// Tests pick single targets with it, which the capability word cannot name; 0 lifts the limit.
+void LimitVectorTargetsForTest(int64_t targets);
+
 // Position in a HWY_EXPORT table of the best allowed target among `compiled`; 0 where there is none.
 size_t BestVectorTarget(int64_t compiled);
 

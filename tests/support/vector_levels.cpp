@@ -22,13 +22,13 @@ OnlyLevel::OnlyLevel(const VectorLevel& level)
     if (level.target == 0)
         VxOnlyAllowCPUSupport(0);
     else
-        hwy::SetSupportedTargetsForTest(level.target);
+        vx::LimitVectorTargetsForTest(level.target);
 }
 
 OnlyLevel::~OnlyLevel()
 {
     VxOnlyAllowCPUSupport(VX_CPU_VECTOR);
-    hwy::SetSupportedTargetsForTest(0);
+    vx::LimitVectorTargetsForTest(0);
 }
 
 } // namespace vxtest
