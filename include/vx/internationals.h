@@ -83,9 +83,8 @@ VX_STATIC_ASSERT(sizeof(VxInternationals) == 796, "the published record has 796 
 VX_EXTERN_C_BEGIN
 
 /* Copies the snapshot, or builds it again.
- *   record  receives the first min(size, 796) bytes, and that number in its field `size`; nothing at
- *           all where size has no room for that field. Null: the snapshot is rebuilt from the system,
- *           and no other thread may read it meanwhile
+ *   record  receives the first min(size, 796) bytes, its field `size` holding that number. Null: the
+ *           snapshot is rebuilt from the system, and no other thread may read it meanwhile
  *   size    bytes of room at record; not read when record is null
  * Returns 0. */
 VX_EXPORT int32_t VxLang_GetInternationals(VxInternationals* record, uint32_t size);

@@ -57,7 +57,8 @@ VX_EXPORT int32_t VxDoubleToTextN(char16_t* text, int32_t capacity, double value
  *   text      may not overlap source
  *   capacity  characters at text
  * The number is rounded on its decimal digits, halves away from zero. Returns the length of the text,
- * 0 where it does not fit. Where no number follows the copied text ("a-b"), the copied text is all. */
+ * 0 where it does not fit. Where no number follows the copied text ("a-b"), or one of more than 9
+ * decimals is to be written, the copied text is all. */
 
 /* Grouped, rounded to an integer. */
 VX_EXPORT int32_t VxFormatNumber(const char16_t* source, char16_t* text, int32_t capacity);
