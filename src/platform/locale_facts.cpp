@@ -1,7 +1,6 @@
 #include "platform/locale_data.h"
 
 #include <cstdio>
-#include <cstring>
 #include <iterator>
 #include <string_view>
 #include <unicode/udat.h>

@@ -4,7 +4,6 @@
 #include <atomic>
 #include <cstdlib>
 #include <cstring>
-#include <iterator>
 #include <mutex>
 #include <new>
 #include <unicode/uloc.h>
@@ -67,13 +66,13 @@ std::string_view WithoutPosixSuffix(std::string_view name)
     return name.substr(0, std::min(name.size(), name.find_first_of(".@")));
 }
 
-struct UserLocale
+struct Locales
 {
-    std::atomic<const LocaleFacts*> current{nullptr};
-    std::mutex growing;                             // of the list below
-    std::atomic<const LocaleFacts*> known{nullptr}; // every locale used so far, the newest first
+    std::atomic<const LocaleFacts*> current{nullptr}; // the user's; null until it was read
+    std::mutex growing;                               // of the list below
+    std::atomic<const LocaleFacts*> known{nullptr};   // every locale used so far, the newest first
 };
-UserLocale g_locales;
+Locales g_locales;
 const LocaleFacts kEnglish;
 
 const LocaleFacts* FindKnown(const char* id)

@@ -4,7 +4,6 @@
 #include "vx/platform/lasterror.h"
 #include "vx/platform/locale.h"
 
-#include <algorithm>
 #include <string>
 #include <string_view>
 
