@@ -6,6 +6,8 @@
 #include "vx/capability.h"
 #include "vx/channels.h"
 #include "vx/composite.h"
+#include "vx/internationals.h"
+#include "vx/numbers.h"
 #include "vx/pixel.h"
 #include "vx/smpte.h"
 #include "vx/timer.h"
