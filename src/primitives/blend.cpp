@@ -4,6 +4,8 @@
 #include <hwy/foreach_target.h> // includes this file once for each target
 #include <hwy/highway.h>
 
+#include "primitives/arithmetic-inl.h"
+
 #ifndef VX_BLEND_PLAIN
 #define VX_BLEND_PLAIN
 
@@ -17,7 +19,8 @@
 namespace vx {
 namespace {
 
-constexpr uint32_t kHalf = 2048; // rounds the 12 fraction bits of the weights
+constexpr uint32_t kOne = 4096; // weights have 12 fraction bits
+constexpr uint32_t kHalf = 2048;
 
 struct BlendWeights
 {
@@ -40,6 +43,14 @@ void BlendRow(uint8_t* dst, const uint8_t* src, int32_t width, BlendWeights w)
             dst[c] = BlendChannel(dst[c], src[c], dst[3], w);
 }
 
+// The vector form takes weights that sum to 1, or miss it by the one step that truncating both of
+// them can lose, with 16 bits for that of dst: all factors from -8.0 to just below 8.0.
+bool FitsVectorForm(BlendWeights w)
+{
+    const uint32_t missing = kOne - (w.dst + w.src);
+    return missing <= 1 && int32_t(w.dst) == int16_t(w.dst);
+}
+
 } // namespace
 } // namespace vx
 
@@ -50,28 +61,52 @@ namespace vx {
 namespace HWY_NAMESPACE {
 namespace {
 
-namespace hn = hwy::HWY_NAMESPACE;
+// With weights that sum to 4096 the mean is s + ((d - s) wd + 2048) / 4096, rounded down. The
+// fixed-point product (8 (d - s) wd + 2^14) / 2^15 is just that quotient, and exact.
+// With weights that sum to 4095, s is to be taken off before the division: the quotient is one less
+// where the remainder is below s. The remainder is in the low 16 bits of the product.
+template <bool kSumIsWhole, class V>
+HWY_INLINE V BlendLanes(V d, V s, V dstWeight)
+{
+    const hn::DFromV<V> words;
+    const auto difference = hn::Sub(d, s);
+    const auto quotient = hn::MulFixedPoint15(hn::ShiftLeft<3>(difference), dstWeight);
+    const auto mixed = hn::Add(s, quotient);
+    if constexpr (kSumIsWhole)
+        return mixed;
+    const auto biased = hn::Add(hn::Mul(difference, dstWeight), hn::Set(words, int16_t(kHalf)));
+    const auto remainder = hn::And(biased, hn::Set(words, int16_t(kOne - 1)));
+    return hn::Add(mixed, hn::ShiftRight<15>(hn::Sub(remainder, s)));
+}
 
-// One channel is a 32-bit lane here, so that any weight wraps as in the plain form.
+template <bool kSumIsWhole>
+void BlendRowOfSum(uint8_t* dst, const uint8_t* src, int32_t width, BlendWeights w)
+{
+    const hn::ScalableTag<uint8_t> bytes;
+    const hn::Repartition<int16_t, decltype(bytes)> words;
+    const int64_t step = int64_t(hn::Lanes(bytes)) / 4;
+    const auto dstWeight = hn::Set(words, int16_t(w.dst));
+    const auto toAlpha = ChannelIndexes(bytes, 3);
+    const auto isAlpha = AlphaLanes(bytes);
+    const auto mix = [=](auto d, auto s, auto alpha) HWY_ATTR {
+        return hn::Clamp(BlendLanes<kSumIsWhole>(d, s, dstWeight), hn::Zero(words), alpha);
+    };
+    int64_t x = 0;
+    for (; x + step <= width; x += step) {
+        const auto d = hn::LoadU(bytes, dst + 4 * x);
+        const auto s = hn::LoadU(bytes, src + 4 * x);
+        const auto mixed = OnWideLanes<int16_t>(bytes, mix, d, s, hn::TableLookupBytes(d, toAlpha));
+        hn::StoreU(hn::IfThenElse(isAlpha, d, mixed), bytes, dst + 4 * x);
+    }
+    BlendRow(dst + 4 * x, src + 4 * x, int32_t(width - x), w);
+}
+
 void BlendRowVector(uint8_t* dst, const uint8_t* src, int32_t width, BlendWeights w)
 {
-    const hn::ScalableTag<int32_t> lanes;
-    const hn::Rebind<uint8_t, decltype(lanes)> bytes;
-    const int32_t step = int32_t(hn::Lanes(lanes)) / 4;
-    const auto dstWeight = hn::Set(lanes, int32_t(w.dst));
-    const auto srcWeight = hn::Set(lanes, int32_t(w.src));
-    const auto half = hn::Set(lanes, int32_t(kHalf));
-    const auto isAlpha = hn::Eq(hn::And(hn::Iota(lanes, 0), hn::Set(lanes, 3)), hn::Set(lanes, 3));
-    int32_t x = 0;
-    for (; x + step <= width; x += step) {
-        const auto d = hn::PromoteTo(lanes, hn::LoadU(bytes, dst + 4 * x));
-        const auto s = hn::PromoteTo(lanes, hn::LoadU(bytes, src + 4 * x));
-        const auto alpha = hn::Broadcast<3>(d); // a pixel is four lanes
-        const auto sum = hn::Add(hn::Add(hn::Mul(d, dstWeight), hn::Mul(s, srcWeight)), half);
-        const auto mixed = hn::Clamp(hn::ShiftRight<12>(sum), hn::Zero(lanes), alpha);
-        hn::StoreU(hn::DemoteTo(bytes, hn::IfThenElse(isAlpha, d, mixed)), bytes, dst + 4 * x);
-    }
-    BlendRow(dst + 4 * x, src + 4 * x, width - x, w);
+    if (w.dst + w.src == kOne)
+        BlendRowOfSum<true>(dst, src, width, w);
+    else
+        BlendRowOfSum<false>(dst, src, width, w);
 }
 
 } // namespace
@@ -89,8 +124,10 @@ bool Blend(void* dst, int32_t dstStride, const void* src, int32_t srcStride, int
            double factor)
 {
     using namespace vx;
+    if (IsEmpty(width, height))
+        return true;
     const BlendWeights weights{TruncatedWeight(factor * 4096.0), TruncatedWeight((1.0 - factor) * 4096.0)};
-    const auto row = VX_VECTOR_FORM(BlendRowVector, BlendRow);
+    const auto row = FitsVectorForm(weights) ? VX_VECTOR_FORM(BlendRowVector, BlendRow) : &BlendRow;
     for (int32_t y = 0; y < height; ++y)
         row(RowAt(dst, dstStride, y), RowAt(src, srcStride, y), width, weights);
     return true;
