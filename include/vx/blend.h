@@ -43,8 +43,9 @@ VX_EXPORT bool Blend(void* dst, int32_t dstStride, const void* src, int32_t srcS
  *   lut               null, or 256 entries of four bytes: byte c of entry w replaces the weight w of
  *                     channel c
  * Each colour is the lesser of (s w + d (255 - w)) / 255 and a. */
-VX_EXPORT bool MaskedBlend(void* dst, int32_t dstStride, const void* mask, int32_t maskStride, const void* src,
-                           int32_t srcStride, int32_t width, int32_t height, const void* lut);
+VX_EXPORT bool MaskedBlend(void* dst, int32_t dstStride, const void* mask, int32_t maskStride,
+                           const void* src, int32_t srcStride, int32_t width, int32_t height,
+                           const void* lut);
 
 /* Mixes src into dst by a mask, alpha too.
  *   dst, dstStride    changed in place
@@ -54,8 +55,9 @@ VX_EXPORT bool MaskedBlend(void* dst, int32_t dstStride, const void* mask, int32
  *   width, height     pixels, rows
  * 8-bit: (s w + d (255 - w)) / 255. Float: w' s + (1 - w') d, where w' is w times 0.003921569. A colour
  * is then capped at the new alpha A: it is stored if A is greater, else A is. */
-VX_EXPORT bool MaskedFade(void* dst, int32_t dstStride, const void* src, int32_t srcStride, int32_t bytesPerPixel,
-                          const void* mask, int32_t maskStride, int32_t width, int32_t height);
+VX_EXPORT bool MaskedFade(void* dst, int32_t dstStride, const void* src, int32_t srcStride,
+                          int32_t bytesPerPixel, const void* mask, int32_t maskStride, int32_t width,
+                          int32_t height);
 
 /* Multiplies a frame by a factor.
  *   buffer, stride  changed in place
@@ -81,8 +83,8 @@ VX_EXPORT bool Multiply(void* buffer, int32_t stride, int32_t bytesPerPixel, int
  * trunc(scale 1024) and O is trunc(offset 1024).
  * Float: the channel becomes m k + o and d plays no part; k is scale / 255 and o is offset, as floats. */
 VX_EXPORT bool MultiplyChannel(void* dst, int32_t dstStride, int32_t bytesPerPixel, int32_t dstChannel,
-                               const void* src, int32_t srcStride, int32_t srcChannel, int32_t width, int32_t height,
-                               double scale, double offset);
+                               const void* src, int32_t srcStride, int32_t srcChannel, int32_t width,
+                               int32_t height, double scale, double offset);
 
 /* Multiplies all four channels of a frame by a mask; nothing is capped at alpha.
  *   dst, dstStride    changed in place

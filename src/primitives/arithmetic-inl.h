@@ -1,8 +1,8 @@
 // The vector forms of arithmetic.h, and lanes of pixels. Included once for each target.
 //
-// A vector of bytes holds whole 8-bit pixels. Work that needs more than 8 bits is done on its even
-// bytes (blue, red) and its odd ones (green, alpha) as two vectors of 16-bit lanes, so that no lane
-// moves on the way there or back.
+// A vector of bytes holds whole 8-bit pixels. Work that needs more bits is done on its even bytes (blue,
+// red) and its odd ones (green, alpha) as two vectors of 16-bit lanes, and if that is not enough, on the
+// even and odd lanes of these as 32-bit ones: no lane moves on the way there or back.
 #if defined(VX_PRIMITIVES_ARITHMETIC_INL_H) == defined(HWY_TARGET_TOGGLE)
 #ifdef VX_PRIMITIVES_ARITHMETIC_INL_H
 #undef VX_PRIMITIVES_ARITHMETIC_INL_H
@@ -20,28 +20,65 @@ namespace HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// Applies op to the bytes of each vector widened to lanes of type T (16 bits), even bytes and then odd
-// ones, and joins what it returns, which must lie in 0 to 255.
+// Applies op to vectors of narrow lanes widened to type T, twice as wide, even lanes and then odd ones,
+// and joins what it returns, which must fit narrow lanes.
 template <class T, class D, class Op, class... V>
-HWY_INLINE hn::Vec<D> OnWideLanes(D bytes, const Op& op, V... v)
+HWY_INLINE hn::Vec<D> OnWideLanes(D narrow, const Op& op, V... v)
 {
+    constexpr int kBits = 8 * sizeof(hn::TFromD<D>);
+    static_assert(8 * sizeof(T) == 2 * kBits, "wide lanes are twice as wide");
     const hn::Repartition<T, D> wide;
-    const hn::Repartition<uint16_t, D> words;
-    const auto low = hn::Set(words, 0xFF);
-    const auto even = op(hn::BitCast(wide, hn::And(hn::BitCast(words, v), low))...);
-    const auto odd = op(hn::BitCast(wide, hn::ShiftRight<8>(hn::BitCast(words, v)))...);
-    return hn::BitCast(bytes, hn::Or(hn::BitCast(words, even), hn::ShiftLeft<8>(hn::BitCast(words, odd))));
+    const hn::RebindToUnsigned<decltype(wide)> numbers;
+    const auto low = hn::Set(numbers, hn::TFromD<decltype(numbers)>((uint64_t(1) << kBits) - 1));
+    const auto even = op(hn::BitCast(wide, hn::And(hn::BitCast(numbers, v), low))...);
+    const auto odd = op(hn::BitCast(wide, hn::ShiftRight<kBits>(hn::BitCast(numbers, v)))...);
+    return hn::BitCast(narrow,
+                       hn::Or(hn::BitCast(numbers, even), hn::ShiftLeft<kBits>(hn::BitCast(numbers, odd))));
+}
+
+// The same from bytes to 32-bit lanes.
+template <class Op, class D, class... V>
+HWY_INLINE hn::Vec<D> OnLongLanes(D bytes, const Op& op, V... v)
+{
+    const auto onWords = [&op](auto... words) HWY_ATTR {
+        return OnWideLanes<int32_t>(hn::Repartition<uint16_t, D>(), op, words...);
+    };
+    return OnWideLanes<uint16_t>(bytes, onWords, v...);
+}
+
+// In each lane, the unsigned low and high bytes of v times the signed ones of w, added up. The sum must fit
+// the lane: the processor's own operation saturates.
+template <class V>
+HWY_INLINE V SumOfPair(V v, V w)
+{
+#if HWY_TARGET <= HWY_SSSE3 && HWY_ARCH_X86
+    if constexpr (sizeof(V) == 16)
+        return V{_mm_maddubs_epi16(v.raw, w.raw)};
+#if HWY_TARGET <= HWY_AVX2
+    else if constexpr (sizeof(V) == 32)
+        return V{_mm256_maddubs_epi16(v.raw, w.raw)};
+#endif
+#if HWY_TARGET <= HWY_AVX3
+    else
+        return V{_mm512_maddubs_epi16(v.raw, w.raw)};
+#endif
+#else
+    const auto low = hn::Set(hn::DFromV<V>(), 0xFF);
+    const auto lowProduct = hn::Mul(hn::And(v, low), hn::ShiftRight<8>(hn::ShiftLeft<8>(w)));
+    const auto highProduct = hn::Mul(hn::And(hn::ShiftRight<8>(v), low), hn::ShiftRight<8>(w));
+    return hn::Add(lowProduct, highProduct);
+#endif
 }
 
 // Quotients by 255 of 16-bit lanes, for every value: 0x8081 is 2^23 / 255 rounded up, and its error
 // stays below 1 / 255 up to 65535.
 template <class V>
-HWY_INLINE V DivideBy255(V v)
+HWY_INLINE V DivideBy255(V words)
 {
-    const hn::DFromV<V> words;
-    return hn::ShiftRight<7>(hn::MulHigh(v, hn::Set(words, 0x8081)));
+    return hn::ShiftRight<7>(hn::MulHigh(words, hn::Set(hn::DFromV<V>(), 0x8081)));
 }
 
+// d moved toward s by w / 255; all are bytes.
 template <class D>
 HWY_INLINE hn::Vec<D> MixBytesVector(D bytes, hn::Vec<D> d, hn::Vec<D> s, hn::Vec<D> w)
 {
@@ -50,28 +87,23 @@ HWY_INLINE hn::Vec<D> MixBytesVector(D bytes, hn::Vec<D> d, hn::Vec<D> s, hn::Ve
     return OnWideLanes<uint16_t>(bytes, mix, d, s, w, hn::Not(w));
 }
 
-// Here a lane is a whole number 0 to 65535 of 16 or 32 bits, the product of two bytes.
+// d times w / 255, times 255; all are bytes in 16-bit or 32-bit lanes. The term rounds the division.
 template <class V>
-HWY_INLINE V RoundBy255(V product)
+HWY_INLINE V MultiplyBytesTimes255(V d, V w)
 {
-    const hn::DFromV<V> lanes;
-    const hn::Repartition<uint16_t, decltype(lanes)> words;
-    const auto biased = hn::Add(product, hn::Set(lanes, 127));
-    return hn::BitCast(lanes, DivideBy255(hn::BitCast(words, biased)));
+    return hn::Add(hn::Mul(d, w), hn::Set(hn::DFromV<V>(), 127));
 }
 
-// d and w are bytes in 32-bit lanes, and so is the result. What exceeds 255 * 255 * 1024 would be
-// clamped to 255: cutting it there makes the quotient a 16-bit one.
+// d times the scaled weight of w, times 255; all are bytes in 32-bit lanes. What exceeds 255 * 255 would
+// be clamped to 255 after the division: cutting it here makes the quotient a 16-bit one.
 template <class V>
-HWY_INLINE V MultiplyScaledVector(V d, V w, ScaleOffset weight)
+HWY_INLINE V MultiplyScaledTimes255(V d, V w, ScaleOffset weight)
 {
-    const hn::DFromV<V> lanes;
-    const hn::Repartition<uint16_t, decltype(lanes)> words;
-    const auto weighted =
-        hn::Add(hn::Mul(w, hn::Set(lanes, int32_t(weight.scale))), hn::Set(lanes, int32_t(weight.offset)));
-    const auto product = hn::Add(hn::Mul(weighted, d), hn::Set(lanes, 130560));
-    const auto cut = hn::Clamp(hn::ShiftRight<10>(product), hn::Zero(lanes), hn::Set(lanes, 255 * 255));
-    return hn::BitCast(lanes, DivideBy255(hn::BitCast(words, cut)));
+    const hn::DFromV<V> longs;
+    const auto scaled = hn::Mul(w, hn::Set(longs, int32_t(weight.scale)));
+    const auto weighted = hn::Add(scaled, hn::Set(longs, int32_t(weight.offset)));
+    const auto product = hn::Add(hn::Mul(weighted, d), hn::Set(longs, 130560));
+    return hn::Clamp(hn::ShiftRight<10>(product), hn::Zero(longs), hn::Set(longs, 255 * 255));
 }
 
 // Indexes for TableLookupBytes that spread one channel over its pixel; below 0 each byte stays.

@@ -36,19 +36,11 @@ uint8_t BlendChannel(uint32_t d, uint32_t s, uint8_t alpha, BlendWeights w)
     return uint8_t(std::clamp<int32_t>(mixed, 0, alpha));
 }
 
-void BlendRow(uint8_t* dst, const uint8_t* src, int32_t width, BlendWeights w)
+HWY_NOINLINE void BlendRow(uint8_t* dst, const uint8_t* src, int32_t width, BlendWeights w)
 {
     for (int32_t x = 0; x < width; ++x, dst += 4, src += 4)
         for (int c = 0; c < 3; ++c)
             dst[c] = BlendChannel(dst[c], src[c], dst[3], w);
-}
-
-// The vector form takes weights that sum to 1, or miss it by the one step that truncating both of
-// them can lose, with 16 bits for that of dst: all factors from -8.0 to just below 8.0.
-bool FitsVectorForm(BlendWeights w)
-{
-    const uint32_t missing = kOne - (w.dst + w.src);
-    return missing <= 1 && int32_t(w.dst) == int16_t(w.dst);
 }
 
 } // namespace
@@ -61,41 +53,52 @@ namespace vx {
 namespace HWY_NAMESPACE {
 namespace {
 
-// With weights that sum to 4096 the mean is s + ((d - s) wd + 2048) / 4096, rounded down. The
-// fixed-point product (8 (d - s) wd + 2^14) / 2^15 is just that quotient, and exact.
-// With weights that sum to 4095, s is to be taken off before the division: the quotient is one less
-// where the remainder is below s. The remainder is in the low 16 bits of the product.
-template <bool kSumIsWhole, class V>
-HWY_INLINE V BlendLanes(V d, V s, V dstWeight)
+// Weights of 0 to 4096 that sum to no more, which is every factor from 0.0 to 1.0, are taken apart into
+// 64 high + low. With H and L the sums of the products with either part, the mean
+// (64 H + L + 2048) / 4096 is (H + L / 64 + 32) / 64, all rounded down; it is a byte, and no sum of two
+// products exceeds 255 * 126.
+template <class D>
+HWY_INLINE hn::Vec<D> BlendBytes(D bytes, hn::Vec<D> d, hn::Vec<D> s, BlendWeights w)
 {
-    const hn::DFromV<V> words;
-    const auto difference = hn::Sub(d, s);
-    const auto quotient = hn::MulFixedPoint15(hn::ShiftLeft<3>(difference), dstWeight);
-    const auto mixed = hn::Add(s, quotient);
-    if constexpr (kSumIsWhole)
-        return mixed;
-    const auto biased = hn::Add(hn::Mul(difference, dstWeight), hn::Set(words, int16_t(kHalf)));
-    const auto remainder = hn::And(biased, hn::Set(words, int16_t(kOne - 1)));
-    return hn::Add(mixed, hn::ShiftRight<15>(hn::Sub(remainder, s)));
+    const hn::Repartition<int16_t, D> words;
+    const auto high = hn::Set(words, int16_t((w.dst >> 6) | (w.src >> 6) << 8));
+    const auto low = hn::Set(words, int16_t((w.dst & 63) | (w.src & 63) << 8));
+    const auto blend = [=](auto d16, auto s16) HWY_ATTR {
+        const auto pair = hn::Or(d16, hn::ShiftLeft<8>(s16));
+        const auto rounded = hn::Add(hn::ShiftRight<6>(SumOfPair(pair, low)), hn::Set(words, 32));
+        return hn::ShiftRight<6>(hn::Add(SumOfPair(pair, high), rounded));
+    };
+    return OnWideLanes<int16_t>(bytes, blend, d, s);
 }
 
-template <bool kSumIsWhole>
-void BlendRowOfSum(uint8_t* dst, const uint8_t* src, int32_t width, BlendWeights w)
+// Any other weights: sums wrap as in the plain form.
+template <class D>
+HWY_INLINE hn::Vec<D> BlendBytesAny(D bytes, hn::Vec<D> d, hn::Vec<D> s, hn::Vec<D> limit, BlendWeights w)
+{
+    const hn::Repartition<int32_t, D> longs;
+    const auto blend = [=](auto d32, auto s32, auto limit32) HWY_ATTR {
+        const auto ofDst = hn::Mul(d32, hn::Set(longs, int32_t(w.dst)));
+        const auto ofSrc = hn::Mul(s32, hn::Set(longs, int32_t(w.src)));
+        const auto sum = hn::Add(hn::Add(ofDst, ofSrc), hn::Set(longs, int32_t(kHalf)));
+        return hn::Clamp(hn::ShiftRight<12>(sum), hn::Zero(longs), limit32);
+    };
+    return OnLongLanes(bytes, blend, d, s, limit);
+}
+
+template <bool kUsualWeights>
+HWY_INLINE void BlendRowOf(uint8_t* dst, const uint8_t* src, int32_t width, BlendWeights w)
 {
     const hn::ScalableTag<uint8_t> bytes;
-    const hn::Repartition<int16_t, decltype(bytes)> words;
     const int64_t step = int64_t(hn::Lanes(bytes)) / 4;
-    const auto dstWeight = hn::Set(words, int16_t(w.dst));
     const auto toAlpha = ChannelIndexes(bytes, 3);
     const auto isAlpha = AlphaLanes(bytes);
-    const auto mix = [=](auto d, auto s, auto alpha) HWY_ATTR {
-        return hn::Clamp(BlendLanes<kSumIsWhole>(d, s, dstWeight), hn::Zero(words), alpha);
-    };
     int64_t x = 0;
     for (; x + step <= width; x += step) {
         const auto d = hn::LoadU(bytes, dst + 4 * x);
         const auto s = hn::LoadU(bytes, src + 4 * x);
-        const auto mixed = OnWideLanes<int16_t>(bytes, mix, d, s, hn::TableLookupBytes(d, toAlpha));
+        const auto alpha = hn::TableLookupBytes(d, toAlpha);
+        const auto mixed =
+            kUsualWeights ? hn::Min(BlendBytes(bytes, d, s, w), alpha) : BlendBytesAny(bytes, d, s, alpha, w);
         hn::StoreU(hn::IfThenElse(isAlpha, d, mixed), bytes, dst + 4 * x);
     }
     BlendRow(dst + 4 * x, src + 4 * x, int32_t(width - x), w);
@@ -103,10 +106,10 @@ void BlendRowOfSum(uint8_t* dst, const uint8_t* src, int32_t width, BlendWeights
 
 void BlendRowVector(uint8_t* dst, const uint8_t* src, int32_t width, BlendWeights w)
 {
-    if (w.dst + w.src == kOne)
-        BlendRowOfSum<true>(dst, src, width, w);
+    if (w.dst <= kOne && w.src <= kOne && w.dst + w.src <= kOne)
+        BlendRowOf<true>(dst, src, width, w);
     else
-        BlendRowOfSum<false>(dst, src, width, w);
+        BlendRowOf<false>(dst, src, width, w);
 }
 
 } // namespace
@@ -127,7 +130,7 @@ bool Blend(void* dst, int32_t dstStride, const void* src, int32_t srcStride, int
     if (IsEmpty(width, height))
         return true;
     const BlendWeights weights{TruncatedWeight(factor * 4096.0), TruncatedWeight((1.0 - factor) * 4096.0)};
-    const auto row = FitsVectorForm(weights) ? VX_VECTOR_FORM(BlendRowVector, BlendRow) : &BlendRow;
+    const auto row = VX_VECTOR_FORM(BlendRowVector, BlendRow);
     for (int32_t y = 0; y < height; ++y)
         row(RowAt(dst, dstStride, y), RowAt(src, srcStride, y), width, weights);
     return true;

@@ -31,7 +31,8 @@ PixelWeights WeightsAt(const uint8_t* mask, int32_t channel)
     return {{w, w, w, w}};
 }
 
-void MaskMultiplyRow(uint8_t* dst, const uint8_t* mask, int32_t width, int32_t channel, ScaleOffset)
+HWY_NOINLINE void MaskMultiplyRow(uint8_t* dst, const uint8_t* mask, int32_t width, int32_t channel,
+                                  ScaleOffset)
 {
     for (int32_t x = 0; x < width; ++x, dst += 4, mask += 4) {
         const PixelWeights w = WeightsAt(mask, channel);
@@ -40,8 +41,8 @@ void MaskMultiplyRow(uint8_t* dst, const uint8_t* mask, int32_t width, int32_t c
     }
 }
 
-void MaskMultiplyScaledRow(uint8_t* dst, const uint8_t* mask, int32_t width, int32_t channel,
-                           ScaleOffset weight)
+HWY_NOINLINE void MaskMultiplyScaledRow(uint8_t* dst, const uint8_t* mask, int32_t width, int32_t channel,
+                                        ScaleOffset weight)
 {
     for (int32_t x = 0; x < width; ++x, dst += 4, mask += 4) {
         const PixelWeights w = WeightsAt(mask, channel);
@@ -51,8 +52,8 @@ void MaskMultiplyScaledRow(uint8_t* dst, const uint8_t* mask, int32_t width, int
 }
 
 // The two orders of the product round differently.
-void MaskMultiplyFloatRow(uint8_t* dst, const uint8_t* mask, int32_t width, int32_t channel,
-                          FloatScaleOffset weight)
+HWY_NOINLINE void MaskMultiplyFloatRow(uint8_t* dst, const uint8_t* mask, int32_t width, int32_t channel,
+                                       FloatScaleOffset weight)
 {
     for (int32_t x = 0; x < width; ++x, mask += 4) {
         const PixelWeights pixel = WeightsAt(mask, channel);
@@ -75,51 +76,59 @@ namespace vx {
 namespace HWY_NAMESPACE {
 namespace {
 
-void MaskMultiplyRowVector(uint8_t* dst, const uint8_t* mask, int32_t width, int32_t channel,
-                           ScaleOffset weight)
+// Scales below 1 without an offset. With w K = 1024 a + b, (w K d + 130560) / 261120 is
+// (a d + (b d + 512) / 1024 + 127) / 255, all rounded down, in which nothing exceeds 16 bits. The
+// fixed-point product (32 b d + 2^14) / 2^15 is its middle term.
+template <class V>
+HWY_INLINE V MultiplyReducedTimes255(V d, V w, uint32_t scale)
+{
+    const hn::DFromV<V> words;
+    const hn::RebindToSigned<decltype(words)> numbers;
+    const auto a = hn::MulHigh(w, hn::Set(words, uint16_t(scale << 6)));
+    const auto b = hn::And(hn::Mul(w, hn::Set(words, uint16_t(scale))), hn::Set(words, 1023));
+    const auto part = hn::MulFixedPoint15(hn::BitCast(numbers, hn::ShiftLeft<5>(b)), hn::BitCast(numbers, d));
+    return hn::Add(MultiplyBytesTimes255(a, d), hn::BitCast(words, part));
+}
+
+// op multiplies bytes in 16-bit lanes. Returns how many pixels were done in whole vectors.
+template <class Op>
+HWY_INLINE int64_t MaskMultiplyLanes(uint8_t* dst, const uint8_t* mask, int32_t width, int32_t channel,
+                                     const Op& op)
 {
     const hn::ScalableTag<uint8_t> bytes;
     const int64_t step = int64_t(hn::Lanes(bytes)) / 4;
     const auto toChannel = ChannelIndexes(bytes, channel);
-    const auto multiply = [](auto d, auto w) HWY_ATTR { return RoundBy255(hn::Mul(d, w)); };
     int64_t x = 0;
     for (; x + step <= width; x += step) {
         const auto d = hn::LoadU(bytes, dst + 4 * x);
         const auto w = hn::TableLookupBytes(hn::LoadU(bytes, mask + 4 * x), toChannel);
-        hn::StoreU(OnWideLanes<uint16_t>(bytes, multiply, d, w), bytes, dst + 4 * x);
+        hn::StoreU(OnWideLanes<uint16_t>(bytes, op, d, w), bytes, dst + 4 * x);
     }
-    MaskMultiplyRow(dst + 4 * x, mask + 4 * x, int32_t(width - x), channel, weight);
+    return x;
 }
 
-// The bytes kChannel of pixels in 32-bit lanes, multiplied and put back where they stood.
-template <int kChannel, class V>
-HWY_INLINE V MultiplyScaledChannel(V d, V w, ScaleOffset weight)
+void MaskMultiplyRowVector(uint8_t* dst, const uint8_t* mask, int32_t width, int32_t channel,
+                           ScaleOffset weight)
 {
-    const hn::DFromV<V> pixels;
-    const auto low = hn::Set(pixels, 0xFF);
-    const auto product = MultiplyScaledVector(hn::And(hn::ShiftRight<8 * kChannel>(d), low),
-                                              hn::And(hn::ShiftRight<8 * kChannel>(w), low), weight);
-    return hn::ShiftLeft<8 * kChannel>(product);
+    const auto multiply = [](auto d, auto w) HWY_ATTR { return DivideBy255(MultiplyBytesTimes255(d, w)); };
+    const int64_t done = MaskMultiplyLanes(dst, mask, width, channel, multiply);
+    MaskMultiplyRow(dst + 4 * done, mask + 4 * done, int32_t(width - done), channel, weight);
 }
 
 void MaskMultiplyScaledRowVector(uint8_t* dst, const uint8_t* mask, int32_t width, int32_t channel,
                                  ScaleOffset weight)
 {
-    const hn::ScalableTag<uint8_t> bytes;
-    const hn::Repartition<int32_t, decltype(bytes)> pixels;
-    const int64_t step = int64_t(hn::Lanes(pixels));
-    const auto toChannel = ChannelIndexes(bytes, channel);
-    int64_t x = 0;
-    for (; x + step <= width; x += step) {
-        const auto d = hn::BitCast(pixels, hn::LoadU(bytes, dst + 4 * x));
-        const auto w = hn::BitCast(pixels, hn::TableLookupBytes(hn::LoadU(bytes, mask + 4 * x), toChannel));
-        const auto low =
-            hn::Or(MultiplyScaledChannel<0>(d, w, weight), MultiplyScaledChannel<1>(d, w, weight));
-        const auto high =
-            hn::Or(MultiplyScaledChannel<2>(d, w, weight), MultiplyScaledChannel<3>(d, w, weight));
-        hn::StoreU(hn::BitCast(bytes, hn::Or(low, high)), bytes, dst + 4 * x);
-    }
-    MaskMultiplyScaledRow(dst + 4 * x, mask + 4 * x, int32_t(width - x), channel, weight);
+    const auto multiply = [=](auto d, auto w) HWY_ATTR {
+        const auto scaled = [=](auto d32, auto w32)
+                                HWY_ATTR { return MultiplyScaledTimes255(d32, w32, weight); };
+        return DivideBy255(OnWideLanes<int32_t>(hn::DFromV<decltype(d)>(), scaled, d, w));
+    };
+    const auto reduce = [=](auto d, auto w)
+                            HWY_ATTR { return DivideBy255(MultiplyReducedTimes255(d, w, weight.scale)); };
+    const bool isReduced = weight.scale < 1024 && weight.offset == 0;
+    const int64_t done = isReduced ? MaskMultiplyLanes(dst, mask, width, channel, reduce)
+                                   : MaskMultiplyLanes(dst, mask, width, channel, multiply);
+    MaskMultiplyScaledRow(dst + 4 * done, mask + 4 * done, int32_t(width - done), channel, weight);
 }
 
 void MaskMultiplyFloatRowVector(uint8_t* dst, const uint8_t* mask, int32_t width, int32_t channel,

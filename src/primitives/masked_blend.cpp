@@ -19,7 +19,7 @@
 namespace vx {
 namespace {
 
-void MaskedBlendRow(uint8_t* dst, const uint8_t* mask, const uint8_t* src, int32_t width)
+HWY_NOINLINE void MaskedBlendRow(uint8_t* dst, const uint8_t* mask, const uint8_t* src, int32_t width)
 {
     for (int32_t x = 0; x < width; ++x, dst += 4, mask += 4, src += 4)
         for (int c = 0; c < 3; ++c)
@@ -27,8 +27,9 @@ void MaskedBlendRow(uint8_t* dst, const uint8_t* mask, const uint8_t* src, int32
 }
 
 // The mask seen through the table. Byte c of an entry serves channel c, so that it is masked out of
-// the entry's word where it stands.
-void LookUpMask(const uint8_t* mask, const uint8_t* lut, int32_t width, uint8_t* weights)
+// the entry's word where it stands. Not inlined: the compiler, once it sees that the weights are an array
+// of their own, makes slow gathers of the look-ups.
+HWY_NOINLINE void LookUpMask(const uint8_t* mask, const uint8_t* lut, int32_t width, uint8_t* weights)
 {
     for (int32_t x = 0; x < width; ++x, mask += 4, weights += 4) {
         const uint32_t blue = LoadElement<uint32_t>(lut + 4 * mask[0]) & 0x000000FF;

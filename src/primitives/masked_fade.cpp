@@ -21,7 +21,7 @@ namespace {
 
 constexpr float kByteToUnit = 0.003921569f; // 1 / 255
 
-void MaskedFadeRow(uint8_t* dst, const uint8_t* src, const uint8_t* mask, int32_t width)
+HWY_NOINLINE void MaskedFadeRow(uint8_t* dst, const uint8_t* src, const uint8_t* mask, int32_t width)
 {
     for (int32_t x = 0; x < width; ++x, dst += 4, src += 4, mask += 4) {
         const uint8_t alpha = MixBytes(dst[3], src[3], mask[3]);
@@ -38,7 +38,7 @@ float MixFloats(float d, float s, uint8_t maskByte)
 }
 
 // A colour that is no number becomes the alpha.
-void MaskedFadeFloatRow(uint8_t* dst, const uint8_t* src, const uint8_t* mask, int32_t width)
+HWY_NOINLINE void MaskedFadeFloatRow(uint8_t* dst, const uint8_t* src, const uint8_t* mask, int32_t width)
 {
     for (int32_t x = 0; x < width; ++x, dst += 16, src += 16, mask += 4) {
         const float alpha = MixFloats(LoadElement<float>(dst + 12), LoadElement<float>(src + 12), mask[3]);

@@ -32,27 +32,27 @@ int32_t MultiplyByte(uint32_t c, uint32_t k)
     return int32_t(c * k + 127) / 256;
 }
 
-void MultiplyRow(uint8_t* row, int32_t width, MultiplyWeights w)
+HWY_NOINLINE void MultiplyRow(uint8_t* row, int32_t width, MultiplyWeights w)
 {
     for (int64_t i = 0; i < 4 * int64_t(width); ++i)
         row[i] = uint8_t(MultiplyByte(row[i], w.fixed));
 }
 
-void MultiplyPremultipliedRow(uint8_t* row, int32_t width, MultiplyWeights w)
+HWY_NOINLINE void MultiplyPremultipliedRow(uint8_t* row, int32_t width, MultiplyWeights w)
 {
     for (int32_t x = 0; x < width; ++x, row += 4)
         for (int c = 0; c < 3; ++c)
             row[c] = uint8_t(std::min<int32_t>(MultiplyByte(row[c], w.fixed), row[3]));
 }
 
-void MultiplyFloatRow(uint8_t* row, int32_t width, MultiplyWeights w)
+HWY_NOINLINE void MultiplyFloatRow(uint8_t* row, int32_t width, MultiplyWeights w)
 {
     for (int64_t i = 0; i < 4 * int64_t(width); ++i, row += 4)
         StoreElement(row, LoadElement<float>(row) * w.real);
 }
 
 // A colour that is no number becomes the alpha.
-void MultiplyPremultipliedFloatRow(uint8_t* row, int32_t width, MultiplyWeights w)
+HWY_NOINLINE void MultiplyPremultipliedFloatRow(uint8_t* row, int32_t width, MultiplyWeights w)
 {
     for (int32_t x = 0; x < width; ++x, row += 16)
         for (int c = 0; c < 3; ++c) {
@@ -62,13 +62,7 @@ void MultiplyPremultipliedFloatRow(uint8_t* row, int32_t width, MultiplyWeights 
         }
 }
 
-// 16-bit lanes hold what the 8-bit vector forms need of a product.
-bool FitsVectorForm(MultiplyWeights w)
-{
-    return w.fixed <= 0xFFFF;
-}
-
-void MultiplyMasksRow(uint8_t* dst, const uint8_t* src, int32_t width)
+HWY_NOINLINE void MultiplyMasksRow(uint8_t* dst, const uint8_t* src, int32_t width)
 {
     for (int32_t x = 0; x < width; ++x, dst += 4, src += 4)
         StoreElement(dst, LoadElement<float>(dst) * LoadElement<float>(src));
@@ -84,46 +78,73 @@ namespace vx {
 namespace HWY_NAMESPACE {
 namespace {
 
-// The byte that is stored is bits 8 to 15 of the sum, which 16-bit lanes keep, wrapped or not.
+// Factors up to 1.0: the product fits a 16-bit lane, and its quotient a byte.
+constexpr uint32_t kOne = 256;
+
+template <class D>
+HWY_INLINE hn::Vec<D> MultiplyUpToOne(D bytes, hn::Vec<D> c, uint32_t k)
+{
+    const hn::Repartition<uint16_t, D> words;
+    const auto multiply = [=](auto c16) HWY_ATTR {
+        return hn::ShiftRight<8>(hn::Add(hn::Mul(c16, hn::Set(words, uint16_t(k))), hn::Set(words, 127)));
+    };
+    return OnWideLanes<uint16_t>(bytes, multiply, c);
+}
+
+// Any other factor: op makes of a quotient the number whose low 8 bits are the result. The division
+// truncates toward zero, where a shift would round down.
+template <class D, class Op>
+HWY_INLINE hn::Vec<D> MultiplyAny(D bytes, hn::Vec<D> c, hn::Vec<D> limit, uint32_t k, const Op& op)
+{
+    const hn::Repartition<int32_t, D> longs;
+    const auto multiply = [=](auto c32, auto limit32) HWY_ATTR {
+        const auto product = hn::Add(hn::Mul(c32, hn::Set(longs, int32_t(k))), hn::Set(longs, 127));
+        const auto upward = hn::And(hn::BroadcastSignBit(product), hn::Set(longs, 255));
+        const auto quotient = hn::ShiftRight<8>(hn::Add(product, upward));
+        return hn::And(op(quotient, limit32), hn::Set(longs, 0xFF));
+    };
+    return OnLongLanes(bytes, multiply, c, limit);
+}
+
+// Replaces each vector of a row's pixels by op of it. Returns how many pixels were done.
+template <class D, class Op>
+HWY_INLINE int64_t ReplacePixels(D bytes, uint8_t* row, int32_t width, const Op& op)
+{
+    const int64_t step = int64_t(hn::Lanes(bytes)) / 4;
+    int64_t x = 0;
+    for (; x + step <= width; x += step)
+        hn::StoreU(op(hn::LoadU(bytes, row + 4 * x)), bytes, row + 4 * x);
+    return x;
+}
+
 void MultiplyRowVector(uint8_t* row, int32_t width, MultiplyWeights w)
 {
     const hn::ScalableTag<uint8_t> bytes;
-    const hn::Repartition<uint16_t, decltype(bytes)> words;
-    const int64_t step = int64_t(hn::Lanes(bytes)) / 4;
-    const auto factor = hn::Set(words, uint16_t(w.fixed));
-    const auto multiply = [=](auto c) HWY_ATTR {
-        return hn::ShiftRight<8>(hn::Add(hn::Mul(c, factor), hn::Set(words, 127)));
-    };
-    int64_t x = 0;
-    for (; x + step <= width; x += step) {
-        const auto c = hn::LoadU(bytes, row + 4 * x);
-        hn::StoreU(OnWideLanes<uint16_t>(bytes, multiply, c), bytes, row + 4 * x);
-    }
-    MultiplyRow(row + 4 * x, int32_t(width - x), w);
+    const auto uncapped = [](auto quotient, auto) HWY_ATTR { return quotient; };
+    const auto multiply = [=](auto c) HWY_ATTR { return MultiplyUpToOne(bytes, c, w.fixed); };
+    const auto multiplyAny = [=](auto c) HWY_ATTR { return MultiplyAny(bytes, c, c, w.fixed, uncapped); };
+    const int64_t done = w.fixed <= kOne ? ReplacePixels(bytes, row, width, multiply)
+                                         : ReplacePixels(bytes, row, width, multiplyAny);
+    MultiplyRow(row + 4 * done, int32_t(width - done), w);
 }
 
-// Whole and fraction of the factor are multiplied apart, so that a lane holds the value before it is
-// capped: at most 255 * 255 + 254.
 void MultiplyPremultipliedRowVector(uint8_t* row, int32_t width, MultiplyWeights w)
 {
     const hn::ScalableTag<uint8_t> bytes;
-    const hn::Repartition<uint16_t, decltype(bytes)> words;
-    const int64_t step = int64_t(hn::Lanes(bytes)) / 4;
-    const auto whole = hn::Set(words, uint16_t(w.fixed >> 8));
-    const auto fraction = hn::Set(words, uint16_t(w.fixed & 0xFF));
     const auto toAlpha = ChannelIndexes(bytes, 3);
     const auto isAlpha = AlphaLanes(bytes);
-    const auto multiply = [=](auto c, auto alpha) HWY_ATTR {
-        const auto part = hn::ShiftRight<8>(hn::Add(hn::Mul(c, fraction), hn::Set(words, 127)));
-        return hn::Min(hn::Add(hn::Mul(c, whole), part), alpha);
+    const auto capped = [](auto quotient, auto alpha) HWY_ATTR { return hn::Min(quotient, alpha); };
+    const auto multiply = [=](auto c) HWY_ATTR {
+        const auto product = MultiplyUpToOne(bytes, c, w.fixed);
+        return hn::IfThenElse(isAlpha, c, hn::Min(product, hn::TableLookupBytes(c, toAlpha)));
     };
-    int64_t x = 0;
-    for (; x + step <= width; x += step) {
-        const auto c = hn::LoadU(bytes, row + 4 * x);
-        const auto product = OnWideLanes<uint16_t>(bytes, multiply, c, hn::TableLookupBytes(c, toAlpha));
-        hn::StoreU(hn::IfThenElse(isAlpha, c, product), bytes, row + 4 * x);
-    }
-    MultiplyPremultipliedRow(row + 4 * x, int32_t(width - x), w);
+    const auto multiplyAny = [=](auto c) HWY_ATTR {
+        const auto product = MultiplyAny(bytes, c, hn::TableLookupBytes(c, toAlpha), w.fixed, capped);
+        return hn::IfThenElse(isAlpha, c, product);
+    };
+    const int64_t done = w.fixed <= kOne ? ReplacePixels(bytes, row, width, multiply)
+                                         : ReplacePixels(bytes, row, width, multiplyAny);
+    MultiplyPremultipliedRow(row + 4 * done, int32_t(width - done), w);
 }
 
 void MultiplyFloatRowVector(uint8_t* row, int32_t width, MultiplyWeights w)
@@ -188,14 +209,12 @@ namespace {
 
 using MultiplyRowFn = void (*)(uint8_t*, int32_t, MultiplyWeights);
 
-MultiplyRowFn SelectMultiplyRow(bool isFloat, bool premultiplied, MultiplyWeights w)
+MultiplyRowFn SelectMultiplyRow(bool isFloat, bool premultiplied)
 {
     if (isFloat && premultiplied)
         return VX_VECTOR_FORM(MultiplyPremultipliedFloatRowVector, MultiplyPremultipliedFloatRow);
     if (isFloat)
         return VX_VECTOR_FORM(MultiplyFloatRowVector, MultiplyFloatRow);
-    if (!FitsVectorForm(w))
-        return premultiplied ? &MultiplyPremultipliedRow : &MultiplyRow;
     if (premultiplied)
         return VX_VECTOR_FORM(MultiplyPremultipliedRowVector, MultiplyPremultipliedRow);
     return VX_VECTOR_FORM(MultiplyRowVector, MultiplyRow);
@@ -213,7 +232,7 @@ bool Multiply(void* buffer, int32_t stride, int32_t bytesPerPixel, int32_t width
     if (IsEmpty(width, height))
         return true;
     const MultiplyWeights weights{TruncatedWeight(factor * 256.0 + 0.5), float(factor)};
-    const MultiplyRowFn row = SelectMultiplyRow(bytesPerPixel == 16, premultiplied != 0, weights);
+    const MultiplyRowFn row = SelectMultiplyRow(bytesPerPixel == 16, premultiplied != 0);
     for (int32_t y = 0; y < height; ++y)
         row(RowAt(buffer, stride, y), width, weights);
     return true;

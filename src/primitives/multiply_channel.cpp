@@ -23,14 +23,15 @@ struct ChannelPair
     int32_t src;
 };
 
-void MultiplyChannelRow(uint8_t* dst, const uint8_t* src, int32_t width, ChannelPair channel, ScaleOffset)
+HWY_NOINLINE void MultiplyChannelRow(uint8_t* dst, const uint8_t* src, int32_t width, ChannelPair channel,
+                                     ScaleOffset)
 {
     for (int32_t x = 0; x < width; ++x, dst += 4, src += 4)
         dst[channel.dst] = MultiplyBytes(dst[channel.dst], src[channel.src]);
 }
 
-void MultiplyChannelScaledRow(uint8_t* dst, const uint8_t* src, int32_t width, ChannelPair channel,
-                              ScaleOffset weight)
+HWY_NOINLINE void MultiplyChannelScaledRow(uint8_t* dst, const uint8_t* src, int32_t width,
+                                           ChannelPair channel, ScaleOffset weight)
 {
     for (int32_t x = 0; x < width; ++x, dst += 4, src += 4)
         dst[channel.dst] = MultiplyScaled(dst[channel.dst], src[channel.src], weight);
@@ -55,32 +56,35 @@ namespace vx {
 namespace HWY_NAMESPACE {
 namespace {
 
-// A lane is a pixel. Returns how many pixels were done in whole vectors.
+// A pixel is a 32-bit lane. op makes of a byte and its weight 255 times their product, which fits the lane's
+// lower half. Returns how many pixels were done in whole vectors.
 template <class Op>
-HWY_INLINE int32_t MultiplyChannelLanes(uint8_t* dst, const uint8_t* src, int32_t width, ChannelPair channel,
+HWY_INLINE int64_t MultiplyChannelLanes(uint8_t* dst, const uint8_t* src, int32_t width, ChannelPair channel,
                                         const Op& op)
 {
     const hn::ScalableTag<int32_t> pixels;
+    const hn::Repartition<uint16_t, decltype(pixels)> words;
     const hn::Repartition<uint8_t, decltype(pixels)> bytes;
     const int64_t step = int64_t(hn::Lanes(pixels));
     const auto low = hn::Set(pixels, 0xFF);
-    const auto rest = hn::Not(hn::ShiftLeftSame(low, 8 * channel.dst));
+    const auto others = hn::Not(hn::ShiftLeftSame(low, 8 * channel.dst));
     int64_t x = 0;
     for (; x + step <= width; x += step) {
         const auto d = hn::BitCast(pixels, hn::LoadU(bytes, dst + 4 * x));
         const auto s = hn::BitCast(pixels, hn::LoadU(bytes, src + 4 * x));
-        const auto product = op(hn::And(hn::ShiftRightSame(d, 8 * channel.dst), low),
-                                hn::And(hn::ShiftRightSame(s, 8 * channel.src), low));
-        const auto merged = hn::Or(hn::And(d, rest), hn::ShiftLeftSame(product, 8 * channel.dst));
-        hn::StoreU(hn::BitCast(bytes, merged), bytes, dst + 4 * x);
+        const auto times255 = op(hn::And(hn::ShiftRightSame(d, 8 * channel.dst), low),
+                                 hn::And(hn::ShiftRightSame(s, 8 * channel.src), low));
+        const auto product = hn::BitCast(pixels, DivideBy255(hn::BitCast(words, times255)));
+        const auto placed = hn::ShiftLeftSame(product, 8 * channel.dst);
+        hn::StoreU(hn::BitCast(bytes, hn::Or(hn::And(d, others), placed)), bytes, dst + 4 * x);
     }
-    return int32_t(x);
+    return x;
 }
 
 void MultiplyChannelRowVector(uint8_t* dst, const uint8_t* src, int32_t width, ChannelPair channel,
                               ScaleOffset weight)
 {
-    const auto multiply = [](auto d, auto w) HWY_ATTR { return RoundBy255(hn::Mul(d, w)); };
+    const auto multiply = [](auto d, auto w) HWY_ATTR { return MultiplyBytesTimes255(d, w); };
     const int64_t done = MultiplyChannelLanes(dst, src, width, channel, multiply);
     MultiplyChannelRow(dst + 4 * done, src + 4 * done, int32_t(width - done), channel, weight);
 }
@@ -88,7 +92,7 @@ void MultiplyChannelRowVector(uint8_t* dst, const uint8_t* src, int32_t width, C
 void MultiplyChannelScaledRowVector(uint8_t* dst, const uint8_t* src, int32_t width, ChannelPair channel,
                                     ScaleOffset weight)
 {
-    const auto multiply = [=](auto d, auto w) HWY_ATTR { return MultiplyScaledVector(d, w, weight); };
+    const auto multiply = [=](auto d, auto w) HWY_ATTR { return MultiplyScaledTimes255(d, w, weight); };
     const int64_t done = MultiplyChannelLanes(dst, src, width, channel, multiply);
     MultiplyChannelScaledRow(dst + 4 * done, src + 4 * done, int32_t(width - done), channel, weight);
 }

@@ -1,4 +1,7 @@
 // Walking the rows of raw frames. A row worker knows no frame: it gets row pointers and a width.
+//
+// A plain row worker whose vector form runs it for the rest of a row is HWY_NOINLINE: the compiler would
+// else unroll and vectorise a copy of it for each target, many times the code, for a few pixels.
 #pragma once
 
 #include <cstddef>
