@@ -37,7 +37,7 @@ HWY_INLINE hn::Vec<D> OnWideLanes(D narrow, const Op& op, V... v)
 }
 
 // The same from bytes to 32-bit lanes.
-template <class Op, class D, class... V>
+template <class D, class Op, class... V>
 HWY_INLINE hn::Vec<D> OnLongLanes(D bytes, const Op& op, V... v)
 {
     const auto onWords = [&op](auto... words) HWY_ATTR {

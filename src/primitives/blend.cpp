@@ -53,8 +53,8 @@ namespace vx {
 namespace HWY_NAMESPACE {
 namespace {
 
-// Weights of 0 to 4096 that sum to no more, which is every factor from 0.0 to 1.0, are taken apart into
-// 64 high + low. With H and L the sums of the products with either part, the mean
+// Weights of 0 to 4096 come from factors from 0.0 to 1.0 and sum to no more than 4096. They are taken
+// apart into 64 high + low. With H and L the sums of the products with either part, the mean
 // (64 H + L + 2048) / 4096 is (H + L / 64 + 32) / 64, all rounded down; it is a byte, and no sum of two
 // products exceeds 255 * 126.
 template <class D>
@@ -106,7 +106,7 @@ HWY_INLINE void BlendRowOf(uint8_t* dst, const uint8_t* src, int32_t width, Blen
 
 void BlendRowVector(uint8_t* dst, const uint8_t* src, int32_t width, BlendWeights w)
 {
-    if (w.dst <= kOne && w.src <= kOne && w.dst + w.src <= kOne)
+    if (w.dst <= kOne && w.src <= kOne)
         BlendRowOf<true>(dst, src, width, w);
     else
         BlendRowOf<false>(dst, src, width, w);

@@ -1,6 +1,6 @@
 #include "vx/blend.h"
 
-#include "primitives/forms.h"
+#include "support/forms.h"
 
 #include <algorithm>
 #include <cmath>
@@ -17,10 +17,10 @@ struct Scale
 // Both limits of the plain product and what lies beyond them, sums that leave 0 to 255, and products
 // beyond 32 bits, the last ones with weights that do not fit themselves.
 constexpr Scale kScales[] = {
-    {1.0, 0.0},      {0.9999, 0.0001},   {1.0001, -0.0001},  {1.001, 0.0},  {0.99989, 0.0},
-    {1.0, 0.02},     {0.5, 10.0},        {2.0, -100.0},      {-1.0, 255.0}, {0.0, 300.0},
-    {33.0, 0.0},     {1.0, 200.5},       {0.0, 8200.0},      {5000.0, 3.0}, {0.0, -40000.0},
-    {1e9, -1.0e300}, {double(NAN), 1.0}, {1.0, double(NAN)},
+    {1.0, 0.0},      {0.9999, 0.0001}, {1.0001, -0.0001},  {1.0002, 0.0},      {1.001, 0.0},
+    {0.99989, 0.0},  {1.0, 0.02},      {0.5, 10.0},        {2.0, -100.0},      {-1.0, 255.0},
+    {0.0, 300.0},    {33.0, 0.0},      {1.0, 200.5},       {0.0, 8200.0},      {5000.0, 3.0},
+    {0.0, -40000.0}, {1e9, -1.0e300},  {double(NAN), 1.0}, {1.0, double(NAN)},
 };
 
 // What a byte d becomes under a mask byte w.
@@ -49,7 +49,7 @@ TEST(MultiplyChannel, Table)
         {"255 times 255", 3, 0, {1.0, 0.0}, 0xFF804020},
         {"128 times 128 rounds down", 2, 1, {1.0, 0.0}, 0xFF404020},
         {"only its channel", 0, 3, {1.0, 0.0}, 0xFF804000},
-        {"1.001 is 1025 / 1024", 1, 0, {1.001, 0.0}, 0xFF804020},
+        {"half the weight", 2, 0, {0.5, 0.0}, 0xFF404020},
         {"an offset counts in bytes", 1, 3, {1.0, 127.0}, 0xFF802020},
         {"below 0", 1, 0, {-1.0, 0.0}, 0xFF800020},
         {"above 255", 0, 0, {100.0, 0.0}, 0xFF8040FF},

@@ -1,6 +1,6 @@
 #include "vx/blend.h"
 
-#include "primitives/forms.h"
+#include "support/forms.h"
 
 #include <algorithm>
 #include <cmath>
