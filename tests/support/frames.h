@@ -78,8 +78,8 @@ public:
     friend bool operator==(const Frame& a, const Frame& b) { return a.memory_ == b.memory_; }
     friend std::ostream& operator<<(std::ostream& out, const Frame& f)
     {
-        return out << f.width_ << "x" << f.height_ << " frame, " << f.bytesPerPixel_ << " bytes a pixel, stride "
-                   << f.stride_;
+        return out << f.width_ << "x" << f.height_ << " frame, " << f.bytesPerPixel_
+                   << " bytes a pixel, stride " << f.stride_;
     }
 
 private:
