@@ -159,6 +159,15 @@ void FillFloats(Work& work)
         Same);)
 }
 
+IF_PIXMAN(void AddPixmanCopy(Work& work, Frame& dst, const Frame& src) {
+    work.Peer(
+        "pixman",
+        [s = PixmanImage(src, PIXMAN_a8r8g8b8), d = PixmanImage(dst, PIXMAN_a8r8g8b8), size = work.size()] {
+            PixmanComposite(PIXMAN_OP_SRC, s, nullptr, d, size);
+        },
+        Same);
+})
+
 void CopyFrame(Work& work, Content content)
 {
     Frame& dst = Destination(work, content);
@@ -175,12 +184,7 @@ void CopyFrame(Work& work, Content content)
             libyuv::CopyPlane(src.Bytes(), src.Stride(), dst.Bytes(), dst.Stride(), width * bytes, height);
         },
         Same);)
-    IF_PIXMAN(work.Peer(
-        "pixman",
-        [s = PixmanImage(src, PIXMAN_a8r8g8b8), d = PixmanImage(dst, PIXMAN_a8r8g8b8), size = work.size()] {
-            PixmanComposite(PIXMAN_OP_SRC, s, nullptr, d, size);
-        },
-        content == Bytes ? Same : Near);)
+    IF_PIXMAN(if (content == Bytes) AddPixmanCopy(work, dst, src);)
     IF_OPENCV(const int type = content == Bytes ? CV_8UC4 : CV_32FC4; work.Peer(
         "OpenCV", [d = MatOf(dst, type), s = MatOf(src, type)] { s.copyTo(d); }, Same);)
 }

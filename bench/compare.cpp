@@ -126,8 +126,9 @@ std::vector<std::string> Work::Differing()
 }
 
 BareCopy::BareCopy(Size size, Traffic traffic, Threads threads)
-    : size_(size), traffic_(traffic), threads_(threads), source_(size_t(size.Pixels() * traffic.read), 1),
-      destination_(size_t(size.Pixels() * traffic.written), 1)
+    : size_(size), traffic_(traffic), threads_(threads),
+      destination_(size_t(size.Pixels() * traffic.written), 1),
+      source_(size_t(size.Pixels() * traffic.read), 2)
 {}
 
 void BareCopy::operator()()
@@ -143,8 +144,8 @@ void BareCopy::operator()()
 void BareCopy::Row(int32_t y)
 {
     const size_t before = size_t(y) * size_t(size_.width);
-    plain::Copy(destination_.data() + before * size_t(traffic_.written), size_t(traffic_.written),
-                traffic_.inPlace, source_.data() + before * size_t(traffic_.read), size_t(traffic_.read),
+    plain::Copy(destination_.Bytes() + before * size_t(traffic_.written), size_t(traffic_.written),
+                traffic_.inPlace, source_.Bytes() + before * size_t(traffic_.read), size_t(traffic_.read),
                 size_t(size_.width));
 }
 

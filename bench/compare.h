@@ -7,6 +7,8 @@
 // fastest round of each is what counts.
 #pragma once
 
+#include "memory.h"
+
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -147,7 +149,7 @@ private:
     Size size_;
     Traffic traffic_;
     Threads threads_;
-    std::vector<uint8_t> source_, destination_;
+    Memory destination_, source_;
 };
 
 // While it lives, parallel loops use one thread only.

@@ -68,24 +68,12 @@ void FillWith(Frame& frame, Content content, Random& random)
     }
 }
 
-// Frames whose rows stood at the same place of their pages would make each load wait for a store to
-// another frame that ends in the same address bits: sources and destinations stand apart.
-constexpr size_t kCacheLine = 64;
-constexpr size_t kStagger = 17 * kCacheLine;
-
-size_t OffsetIn(const std::vector<uint8_t>& memory, size_t stagger)
-{
-    const size_t past = reinterpret_cast<uintptr_t>(memory.data()) % kCacheLine;
-    return kCacheLine - past + stagger;
-}
-
 } // namespace
 
 Frame::Frame(Size size, Content content, uint64_t seed)
     : size_(size), bytesPerPixel_(BytesPerPixelOf(content)),
-      memory_(size_t(size.Pixels()) * size_t(bytesPerPixel_) + kCacheLine + 4 * kStagger)
+      memory_(size_t(size.Pixels()) * size_t(bytesPerPixel_), seed)
 {
-    offset_ = OffsetIn(memory_, seed % 4 * kStagger);
     Random random(seed);
     FillWith(*this, content, random);
 }

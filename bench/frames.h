@@ -2,6 +2,7 @@
 #pragma once
 
 #include "compare.h"
+#include "memory.h"
 
 #include <cstdint>
 #include <vector>
@@ -32,17 +33,16 @@ public:
     int32_t Stride() const { return size_.width * bytesPerPixel_; }
     size_t Pixels() const { return size_t(size_.Pixels()); }
 
-    uint8_t* Bytes() { return memory_.data() + offset_; }
-    const uint8_t* Bytes() const { return memory_.data() + offset_; }
+    uint8_t* Bytes() { return memory_.Bytes(); }
+    const uint8_t* Bytes() const { return memory_.Bytes(); }
     float* Floats() { return reinterpret_cast<float*>(Bytes()); }
     const float* Floats() const { return reinterpret_cast<const float*>(Bytes()); }
-    std::span<uint8_t> All() { return {Bytes(), Pixels() * size_t(bytesPerPixel_)}; }
+    std::span<uint8_t> All() { return memory_.All(); }
 
 private:
     Size size_;
     int32_t bytesPerPixel_;
-    size_t offset_; // to the first pixel, which starts a cache line
-    std::vector<uint8_t> memory_;
+    Memory memory_;
 };
 
 // A frame that the calls change, and one that they read.

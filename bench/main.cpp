@@ -14,7 +14,8 @@ namespace {
 
 constexpr char kHelp[] = R"(vx_bench measures the library beside peer libraries and a floor, in one run.
 
-  --filter=REGEX  only works whose "name size" matches, case ignored
+  --filter=REGEX  only works whose "name size" matches, case ignored: ^(?!.*all threads) leaves out
+                  the works that take as many threads as there are
   --quick         fewer and shorter rounds
   --json=FILE     writes the ratios there too
   --help
@@ -22,7 +23,7 @@ constexpr char kHelp[] = R"(vx_bench measures the library beside peer libraries 
 All figures are ratios of times. The floor is a copy that moves the same bytes, or the yardstick that
 is named. SLOWER: more than a twentieth behind the best peer. OVER: beyond the goal, 1.3 copies for
 full frames. DIFFERS: a contender that must leave the same bytes as the library does not; the exit
-status is then 1.
+status is then 1. Works on all threads need a machine that does nothing else.
 )";
 
 struct Options

@@ -9,7 +9,7 @@
 namespace vxbench::plain {
 
 // Reads `read` bytes a pixel from src and, in place, `written` bytes a pixel from dst; writes these.
-// Pixels are a multiple of 64.
+// Pixels are a multiple of 128.
 void Copy(uint8_t* dst, size_t written, bool inPlace, const uint8_t* src, size_t read, size_t pixels);
 
 // Mixing and multiplying

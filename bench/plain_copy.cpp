@@ -1,23 +1,37 @@
 #include "plain.h"
 
+#include <cstring>
+
 namespace vxbench::plain {
 namespace {
 
-// A whole register of the widest kind, at any address.
-typedef uint64_t Line __attribute__((vector_size(64), aligned(1), may_alias));
-constexpr size_t kLinePixels = 64; // a line a byte of pixel
+// A register of the widest kind; where there is none, the compiler takes several.
+typedef uint64_t Line __attribute__((vector_size(64)));
+constexpr size_t kLinesTogether = 2; // of each byte of the pixels
+constexpr size_t kBlockPixels = kLinesTogether * sizeof(Line);
+
+Line Load(const uint8_t* from)
+{
+    Line line;
+    std::memcpy(&line, from, sizeof(line));
+    return line;
+}
 
 } // namespace
 
 void Copy(uint8_t* dst, size_t written, bool inPlace, const uint8_t* src, size_t read, size_t pixels)
 {
-    for (size_t block = 0; block < pixels / kLinePixels; ++block) {
+    if (read == 0 && !inPlace) {
+        std::memset(dst, 1, written * pixels);
+        return;
+    }
+    for (size_t block = 0; block < pixels / kBlockPixels; ++block) {
         Line sum = {};
-        for (size_t i = 0; i < read; ++i, src += sizeof(Line))
-            sum |= *reinterpret_cast<const Line*>(src);
-        for (size_t i = 0; i < written; ++i, dst += sizeof(Line)) {
-            auto& line = *reinterpret_cast<Line*>(dst);
-            line = inPlace ? line | sum : sum;
+        for (size_t i = 0; i < read * kLinesTogether; ++i, src += sizeof(Line))
+            sum |= Load(src);
+        for (size_t i = 0; i < written * kLinesTogether; ++i, dst += sizeof(Line)) {
+            const Line line = inPlace ? Load(dst) | sum : sum;
+            std::memcpy(dst, &line, sizeof(line));
         }
     }
 }
