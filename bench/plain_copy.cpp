@@ -17,23 +17,56 @@ Line Load(const uint8_t* from)
     return line;
 }
 
-} // namespace
-
-void Copy(uint8_t* dst, size_t written, bool inPlace, const uint8_t* src, size_t read, size_t pixels)
+void Store(uint8_t* to, Line line)
 {
-    if (read == 0 && !inPlace) {
-        std::memset(dst, 1, written * pixels);
-        return;
-    }
+    std::memcpy(to, &line, sizeof(line));
+}
+
+// Something to write that the compiler does not know.
+Line Filler(size_t value)
+{
+    return Line{} + value;
+}
+
+void WriteBack(uint8_t* frame, size_t bytes)
+{
+    const Line filler = Filler(bytes);
+    for (size_t i = 0; i < bytes; i += sizeof(Line))
+        Store(frame + i, Load(frame + i) | filler);
+}
+
+template <bool kInPlace>
+void CopyEvenly(uint8_t* __restrict dst, const uint8_t* __restrict src, size_t bytes)
+{
+    const Line filler = Filler(bytes);
+    for (size_t i = 0; i < bytes; i += sizeof(Line))
+        Store(dst + i, Load(src + i) | (kInPlace ? Load(dst + i) : filler));
+}
+
+template <bool kInPlace>
+void CopyUnevenly(uint8_t* dst, size_t written, const uint8_t* src, size_t read, size_t pixels)
+{
     for (size_t block = 0; block < pixels / kBlockPixels; ++block) {
         Line sum = {};
         for (size_t i = 0; i < read * kLinesTogether; ++i, src += sizeof(Line))
             sum |= Load(src);
-        for (size_t i = 0; i < written * kLinesTogether; ++i, dst += sizeof(Line)) {
-            const Line line = inPlace ? Load(dst) | sum : sum;
-            std::memcpy(dst, &line, sizeof(line));
-        }
+        for (size_t i = 0; i < written * kLinesTogether; ++i, dst += sizeof(Line))
+            Store(dst, kInPlace ? Load(dst) | sum : sum);
     }
+}
+
+} // namespace
+
+void Copy(uint8_t* dst, size_t written, bool inPlace, const uint8_t* src, size_t read, size_t pixels)
+{
+    if (read == 0 && inPlace)
+        WriteBack(dst, written * pixels);
+    else if (read == 0)
+        std::memset(dst, 1, written * pixels);
+    else if (read == written)
+        (inPlace ? CopyEvenly<true> : CopyEvenly<false>)(dst, src, written * pixels);
+    else
+        (inPlace ? CopyUnevenly<true> : CopyUnevenly<false>)(dst, written, src, read, pixels);
 }
 
 } // namespace vxbench::plain
