@@ -24,7 +24,7 @@ constexpr int kAlpha = 3;
 // ChannelCopy as the host calls it: pointers already at the channel.
 void AddChannelCopy(Work& work, uint8_t* dst, int32_t dstStep, const uint8_t* src, int32_t srcStep)
 {
-    const auto [width, height] = work.size();
+    const int32_t width = work.size().width, height = work.size().height;
     work.Vx(
         [=] { ChannelCopy(dst, width * dstStep, dstStep, width, height, src, width * srcStep, srcStep); });
     work.Peer(
@@ -112,7 +112,7 @@ constexpr uint32_t kColourWord = 0xFF4080BF;
 
 void AddFill(Work& work, Frame& frame)
 {
-    const auto [width, height] = work.size();
+    const int32_t width = work.size().width, height = work.size().height;
     work.Vx([&, width, height] {
         Fill(frame.Bytes(), frame.Stride(), frame.BytesPerPixel(), width, height, kColour[3], kColour[2],
              kColour[1], kColour[0]);
@@ -172,7 +172,7 @@ void CopyFrame(Work& work, Content content)
 {
     Frame& dst = Destination(work, content);
     const Frame& src = Source(work, content);
-    const auto [width, height] = work.size();
+    const int32_t width = work.size().width, height = work.size().height;
     const int32_t bytes = dst.BytesPerPixel();
     work.CopyFloor({bytes, bytes, false});
     work.Vx([&, width, height, bytes] {
@@ -203,7 +203,7 @@ void MapInPlace(Work& work)
 {
     Frame& frame = Destination(work, Bytes);
     const auto& table = RandomTable<uint32_t>(work, 256);
-    const auto [width, height] = work.size();
+    const int32_t width = work.size().width, height = work.size().height;
     work.CopyFloor(kInPlaceBytes);
     work.Vx(
         [&, width, height] { ChannelMap(frame.Bytes(), frame.Stride(), 1, width, height, table.data()); });
@@ -216,7 +216,7 @@ void MapFrame(Work& work)
     Frame& dst = Destination(work, Bytes);
     const Frame& src = Source(work, Bytes);
     const auto& table = RandomTable<uint32_t>(work, 256);
-    const auto [width, height] = work.size();
+    const int32_t width = work.size().width, height = work.size().height;
     work.CopyFloor({4, 4, false});
     work.Vx([&, width, height] {
         ChannelMapEx(dst.Bytes(), dst.Stride(), src.Bytes(), src.Stride(), 1, width, height, table.data());
@@ -233,7 +233,7 @@ void MapFloatFrame(Work& work, int32_t entries)
     auto& table = work.Own(std::vector<float>(size_t(entries) * 4));
     for (size_t i = 0; i < table.size(); ++i)
         table[i] = float(i);
-    const auto [width, height] = work.size();
+    const int32_t width = work.size().width, height = work.size().height;
     work.CopyFloor({16, 16, false});
     work.Vx([&, width, height, entries] {
         ChannelMapExFloat(dst.Bytes(), dst.Stride(), src.Bytes(), src.Stride(), 1, width, height,
@@ -251,7 +251,7 @@ void MergeChannels(Work& work)
 {
     Frame& frame = Destination(work, Bytes);
     const auto& table = RandomTable<uint32_t>(work, 256);
-    const auto [width, height] = work.size();
+    const int32_t width = work.size().width, height = work.size().height;
     work.CopyFloor(kInPlaceBytes);
     work.Vx([&, width, height] {
         ChannelMergeLut(frame.Bytes(), frame.Stride(), 3, width, height, table.data());
@@ -264,7 +264,7 @@ void LutBytes(Work& work)
 {
     Frame& frame = Destination(work, Bytes);
     const auto& table = RandomTable<uint8_t>(work, 1024);
-    const auto [width, height] = work.size();
+    const int32_t width = work.size().width, height = work.size().height;
     work.CopyFloor(kInPlaceBytes);
     work.Vx([&, width, height] { Lut(frame.Bytes(), frame.Stride(), width, height, table.data()); });
     work.Peer(
@@ -283,7 +283,7 @@ void LutClamped(Work& work)
 {
     Frame& frame = Destination(work, Bytes);
     const auto& table = RandomTable<uint8_t>(work, 1024);
-    const auto [width, height] = work.size();
+    const int32_t width = work.size().width, height = work.size().height;
     work.CopyFloor(kInPlaceBytes);
     work.Vx([&, width, height] {
         LutWithAlphaClamp(frame.Bytes(), frame.Stride(), width, height, table.data());
@@ -304,7 +304,7 @@ void ClipRestoreFloats(Work& work)
     constexpr double kLimit = 0.4 / 255.0;
     constexpr double kFloor = 0.3 / 255.0;
     Frame& frame = Destination(work, Floats);
-    const auto [width, height] = work.size();
+    const int32_t width = work.size().width, height = work.size().height;
     work.CopyFloor(kInPlaceFloats);
     work.Vx(
         [&, width, height] { ClipRestore(frame.Bytes(), frame.Stride(), width, height, kLimit, kFloor); });
@@ -317,7 +317,7 @@ void ClipRestoreFloats(Work& work)
 void SoftThreshold(Work& work)
 {
     Frame& frame = Destination(work, Floats);
-    const auto [width, height] = work.size();
+    const int32_t width = work.size().width, height = work.size().height;
     work.CopyFloor(kInPlaceFloats);
     work.Vx(
         [&, width, height] { ThresholdFloat(frame.Bytes(), frame.Stride(), width, height, kLow, kHigh); });
@@ -330,7 +330,7 @@ void SoftThreshold(Work& work)
 void ClearBelow(Work& work, Content content)
 {
     Frame& frame = Destination(work, content);
-    const auto [width, height] = work.size();
+    const int32_t width = work.size().width, height = work.size().height;
     work.CopyFloor(content == Bytes ? kInPlaceBytes : kInPlaceFloats);
     work.Vx([&, width, height] {
         ThresholdClear(frame.Bytes(), frame.Stride(), frame.BytesPerPixel(), width, height, float(kLow));

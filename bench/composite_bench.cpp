@@ -77,7 +77,7 @@ YuvMix YuvMixOf(VxCompositeMode mode)
 
 void AddLibyuv(Work& work, Frame& dst, const Frame& src, Job job)
 {
-    const auto [width, height] = work.size();
+    const int32_t width = work.size().width, height = work.size().height;
     if (job.content != Bytes)
         return;
     if (job.mode == VX_COMPOSITE_AVERAGE) // halfway to the average is a quarter of src

@@ -27,7 +27,7 @@ void BlendBytes(Work& work)
     constexpr double kFactor = 0.7;
     Frame& dst = Destination(work, Bytes);
     const Frame& src = Source(work, Bytes);
-    const auto [width, height] = work.size();
+    const int32_t width = work.size().width, height = work.size().height;
     work.CopyFloor(kBytesIntoBytes);
     work.Vx([&, width, height] {
         Blend(dst.Bytes(), dst.Stride(), src.Bytes(), src.Stride(), width, height, kFactor);
@@ -64,7 +64,7 @@ void MaskedBlendBytes(Work& work)
     Frame& dst = Destination(work, Bytes);
     const Frame& mask = Source(work, ByteMask);
     const Frame& src = Source(work, Bytes);
-    const auto [width, height] = work.size();
+    const int32_t width = work.size().width, height = work.size().height;
     work.CopyFloor({8, 4, true});
     work.Vx([&, width, height] {
         MaskedBlend(dst.Bytes(), dst.Stride(), mask.Bytes(), mask.Stride(), src.Bytes(), src.Stride(), width,
@@ -86,7 +86,7 @@ void MaskedBlendTable(Work& work)
     vxtest::Random random;
     for (uint8_t& entry : table)
         entry = random.Byte();
-    const auto [width, height] = work.size();
+    const int32_t width = work.size().width, height = work.size().height;
     work.CopyFloor({8, 4, true});
     work.Vx([&, width, height] {
         MaskedBlend(dst.Bytes(), dst.Stride(), mask.Bytes(), mask.Stride(), src.Bytes(), src.Stride(), width,
@@ -105,7 +105,7 @@ void MaskedFadeBytes(Work& work)
     Frame& dst = Destination(work, Bytes);
     const Frame& src = Source(work, Bytes);
     const Frame& mask = Source(work, ByteMask);
-    const auto [width, height] = work.size();
+    const int32_t width = work.size().width, height = work.size().height;
     work.CopyFloor({8, 4, true});
     work.Vx([&, width, height] {
         MaskedFade(dst.Bytes(), dst.Stride(), src.Bytes(), src.Stride(), 4, mask.Bytes(), mask.Stride(),
@@ -123,7 +123,7 @@ void MaskedFadeFloats(Work& work)
     Frame& dst = Destination(work, Floats);
     const Frame& src = Source(work, Floats);
     const Frame& mask = Source(work, ByteMask);
-    const auto [width, height] = work.size();
+    const int32_t width = work.size().width, height = work.size().height;
     work.CopyFloor({20, 16, true});
     work.Vx([&, width, height] {
         MaskedFade(dst.Bytes(), dst.Stride(), src.Bytes(), src.Stride(), 16, mask.Bytes(), mask.Stride(),
@@ -137,7 +137,7 @@ constexpr double kHalf = 0.5;
 
 void AddMultiply(Work& work, Frame& frame, bool premultiplied)
 {
-    const auto [width, height] = work.size();
+    const int32_t width = work.size().width, height = work.size().height;
     work.Vx([&, width, height, premultiplied] {
         Multiply(frame.Bytes(), frame.Stride(), frame.BytesPerPixel(), width, height, kHalf, premultiplied);
     });
@@ -179,7 +179,7 @@ void MultiplyChannelBytes(Work& work, double scale, double offset)
 {
     Frame& dst = Destination(work, Bytes);
     const Frame& src = Source(work, Bytes);
-    const auto [width, height] = work.size();
+    const int32_t width = work.size().width, height = work.size().height;
     work.CopyFloor(kBytesIntoBytes);
     work.Vx([&, width, height, scale, offset] {
         MultiplyChannel(dst.Bytes(), dst.Stride(), 4, 3, src.Bytes(), src.Stride(), 1, width, height, scale,
@@ -201,7 +201,7 @@ void MultiplyChannelFloats(Work& work)
 {
     Frame& dst = Destination(work, Floats);
     const Frame& src = Source(work, ByteMask);
-    const auto [width, height] = work.size();
+    const int32_t width = work.size().width, height = work.size().height;
     work.CopyFloor(kMaskIntoFloats);
     work.Vx([&, width, height] {
         MultiplyChannel(dst.Bytes(), dst.Stride(), 16, 3, src.Bytes(), src.Stride(), 1, width, height, kScale,
@@ -218,7 +218,7 @@ constexpr int32_t kAlpha = 3;
 
 void AddMaskMultiply(Work& work, Frame& dst, const Frame& mask, int32_t channel, double scale, double offset)
 {
-    const auto [width, height] = work.size();
+    const int32_t width = work.size().width, height = work.size().height;
     work.Vx([&, width, height, channel, scale, offset] {
         MaskMultiply(dst.Bytes(), dst.Stride(), dst.BytesPerPixel(), mask.Bytes(), mask.Stride(), width,
                      height, channel, scale, offset);
@@ -289,7 +289,7 @@ void MultiplyTwoMasks(Work& work)
 {
     Frame& dst = Destination(work, FloatPlane);
     const Frame& src = Source(work, FloatPlane);
-    const auto [width, height] = work.size();
+    const int32_t width = work.size().width, height = work.size().height;
     work.CopyFloor(kBytesIntoBytes);
     work.Vx([&, width, height] {
         MultiplyMasks(dst.Bytes(), dst.Stride(), src.Bytes(), src.Stride(), width, height);
