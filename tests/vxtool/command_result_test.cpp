@@ -33,6 +33,7 @@ constexpr ResultCase kResults[] = {
     {"composite a.png b.png out.png --float --type rgba32", 0x102030FF, 0xFF000080, 0, 0x881018FF},
     {"fade a.png b.png m.png out.png", 0x00FF00FF, 0xFF0000FF, 0xFF00FFFF, 0xFFFF00FF},
     {"fade a.png b.png m.png out.png --float", 0x00FF00FF, 0xFF0000FF, 0xFF00FFFF, 0xFFFF00FF},
+    {"fade a.png b.png m.png out.png --channel green", 0xFF0000FF, 0, 0xFF00FFFF, 0xFF0000FF},
     {"multiply a.png out.png --factor 0.5", 0xFF8000FF, 0, 0, 0x7F4000FF},
     {"multiply a.png out.png --factor 3", 0x208000FF, 0, 0, 0x60FF00FF},
     {"multiply a.png out.png --factor 0.5 --alpha", 0xFF0000FF, 0, 0, 0xFF00007F},

@@ -1,5 +1,6 @@
 #include "vxtool/commands.h"
 
+#include "vx/channels.h"
 #include "vxtool/failure.h"
 
 #include <iostream>
@@ -98,6 +99,14 @@ int Run(std::span<const std::string> words)
         return Complain("vxtool",
                         {kBadArgument, Join("there is no command '", words[0], "'; see vxtool --help")});
     return RunCommand(*command, words.subspan(1));
+}
+
+void SpreadChannel(Frame& mask, int32_t channel)
+{
+    for (int32_t c = 0; c < 4; ++c)
+        if (c != channel)
+            ChannelCopy(mask.Data() + c, mask.Stride(), 4, mask.Width(), mask.Height(), mask.Data() + channel,
+                        mask.Stride(), 4);
 }
 
 Form FormOf(const Arguments& arguments)

@@ -32,6 +32,9 @@ inline constexpr Option kFloatOption = {"--float", nullptr,
 // scale of their factor. Options count white as 1.0.
 inline constexpr double kWhite8 = 255.0;
 
+// Copies one channel of an 8-bit mask over the other three, so that it weighs all four alike.
+void SpreadChannel(Frame& mask, int32_t channel);
+
 // Float frames under --float, else 8-bit frames.
 Form FormOf(const Arguments& arguments);
 

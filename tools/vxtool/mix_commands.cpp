@@ -64,17 +64,26 @@ constexpr Option kCompositeOptions[] = {
 void RunFade(const Arguments& arguments)
 {
     const Form form = FormOf(arguments);
+    const int32_t channel = arguments.OneOf("--channel", kChannels, -1);
     const Output output(arguments, 3, form);
     const std::string& path = arguments.Operand(0);
     Frame dst = LoadFrame(path, form);
     const Frame src = LoadPartner(arguments.Operand(1), form, dst, path);
-    const Frame mask = LoadPartner(arguments.Operand(2), Form::Bytes, dst, path);
+    Frame mask = LoadPartner(arguments.Operand(2), Form::Bytes, dst, path);
+    if (channel >= 0)
+        SpreadChannel(mask, channel);
     MaskedFade(dst.Data(), dst.Stride(), src.Data(), src.Stride(), dst.BytesPerPixel(), mask.Data(),
                mask.Stride(), dst.Width(), dst.Height());
     output.Write(dst);
 }
 
-constexpr Option kFadeOptions[] = {kFloatOption, kTypeOption};
+constexpr Option kFadeOptions[] = {
+    {"--channel", "CHANNEL",
+     "weigh all by this channel of MASK: blue, green, red or alpha (default: each\n"
+     "channel by its own, so that an opaque MASK gives all of B's alpha)"},
+    kFloatOption,
+    kTypeOption,
+};
 
 } // namespace
 
@@ -93,14 +102,8 @@ const Command kComposite = {
     RunComposite,
 };
 const Command kFade = {
-    "fade",
-    "go from A to B, alpha too, as far as a mask says: white takes B",
-    "A B MASK OUT",
-    4,
-    4,
-    kFadeOptions,
-    "vxtool fade a.png b.png wipe.png out.png",
-    RunFade,
+    "fade",       "go from A to B, alpha too, as far as a mask says: white takes B", "A B MASK OUT", 4, 4,
+    kFadeOptions, "vxtool fade a.png b.png wipe.png out.png --channel green",        RunFade,
 };
 
 } // namespace vxtool

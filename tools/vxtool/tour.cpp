@@ -37,16 +37,8 @@ Frame Blended(const Frame& a, const Frame& b, double factor)
 Frame Masked(const Frame& picture, const Frame& mask, double scale, double offset)
 {
     return Made(picture, [&](Frame& f) {
-        MaskMultiply(f.Data(), f.Stride(), 4, mask.Data(), mask.Stride(), f.Width(), f.Height(), -1, scale,
+        MaskMultiply(f.Data(), f.Stride(), 4, mask.Data(), mask.Stride(), f.Width(), f.Height(), 1, scale,
                      offset * kWhite8);
-    });
-}
-
-// A mask weighs alpha as well: its alpha channel takes its brightness.
-Frame Matte(const Frame& mask)
-{
-    return Made(mask, [](Frame& f) {
-        ChannelCopy(f.Data() + 3, f.Stride(), 4, f.Width(), f.Height(), f.Data() + 1, f.Stride(), 4);
     });
 }
 
@@ -164,7 +156,7 @@ Section Pictures(const Frame& back, const Frame& front, const Frame& mask)
           Made(back, [](Frame& f) { FillArea(f, 40, 40, 292, 129, ParseColour("", "2f6f8f")); })}}};
 }
 
-Section Modes(const Frame& back, const Frame& front, const Frame& matte)
+Section Modes(const Frame& back, const Frame& front, const Frame& mask)
 {
     constexpr const char* kDetails[] = {
         "FRONT on BACK",
@@ -176,7 +168,7 @@ Section Modes(const Frame& back, const Frame& front, const Frame& matte)
         "half and half, alpha too",
     };
     Section section{"composite: seven modes", {}};
-    const Frame cutOut = Masked(back, matte, 1.0, 0.0);
+    const Frame cutOut = Masked(back, mask, 1.0, 0.0);
     for (size_t i = 0; i < std::size(kModes); ++i)
         section.cells.push_back({std::string("composite --mode ") + kModes[i].name, kDetails[i],
                                  Composited(kModes[i].value == VX_COMPOSITE_DESTINATION_OVER ? cutOut : back,
@@ -200,21 +192,22 @@ Section Mixes(const Frame& back, const Frame& front, const Frame& mask, const Fr
               Made(back, [&](Frame& f) { blendMasked(f, nullptr); })},
              {"blend --mask MASK --curve 100,0:156,255", "the mask through a steep curve",
               Made(back, [&](Frame& f) { blendMasked(f, steep.data()); })},
-             {"fade BACK FRONT MASK", "alpha fades too", Made(back, [&](Frame& f) {
+             {"fade ... --channel green", "from BACK to FRONT, alpha too", Made(back, [&](Frame& f) {
                   MaskedFade(f.Data(), f.Stride(), front.Data(), front.Stride(), 4, matte.Data(),
                              matte.Stride(), f.Width(), f.Height());
               })}}};
 }
 
-Section Scales(const Frame& back, const Frame& matte)
+Section Scales(const Frame& back, const Frame& mask)
 {
-    return {"multiply and mask",
-            {{"multiply --factor 0.4", "darker; alpha stays",
-              Made(back, [](Frame& f) { Multiply(f.Data(), f.Stride(), 4, f.Width(), f.Height(), 0.4, 1); })},
-             {"multiply --factor 0.4 --alpha", "alpha too: fainter",
-              Made(back, [](Frame& f) { Multiply(f.Data(), f.Stride(), 4, f.Width(), f.Height(), 0.4, 0); })},
-             {"mask MASK", "each channel, alpha too, by its own", Masked(back, matte, 1.0, 0.0)},
-             {"mask --scale -1 --offset 1", "by the inverse of the mask", Masked(back, matte, -1.0, 1.0)}}};
+    return {
+        "multiply and mask",
+        {{"multiply --factor 0.4", "darker; alpha stays",
+          Made(back, [](Frame& f) { Multiply(f.Data(), f.Stride(), 4, f.Width(), f.Height(), 0.4, 1); })},
+         {"multiply --factor 0.4 --alpha", "alpha too: fainter",
+          Made(back, [](Frame& f) { Multiply(f.Data(), f.Stride(), 4, f.Width(), f.Height(), 0.4, 0); })},
+         {"mask MASK --channel green", "all, alpha too, by the mask", Masked(back, mask, 1.0, 0.0)},
+         {"mask ... --scale -1 --offset 1", "by the inverse of the mask", Masked(back, mask, -1.0, 1.0)}}};
 }
 
 Section Tables(const Frame& back)
@@ -281,11 +274,11 @@ Section Types(const Frame& back)
 
 std::vector<Section> Tour(const Frame& back, const Frame& front, const Frame& mask)
 {
-    const Frame matte = Matte(mask);
+    const Frame matte = Made(mask, [](Frame& f) { SpreadChannel(f, 1); });
     return {Pictures(back, front, mask),
-            Modes(back, front, matte),
+            Modes(back, front, mask),
             Mixes(back, front, mask, matte),
-            Scales(back, matte),
+            Scales(back, mask),
             Tables(back),
             Thresholds(back),
             Shapes(back),
