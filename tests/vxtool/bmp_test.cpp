@@ -174,8 +174,11 @@ TEST(Bmp, ForeignFiles)
 
 TEST(Bmp, IndexBehindThePaletteIsBlack)
 {
-    const auto bytes = FileOf({40, -2, 8, 0, 2, {}, {0x111111, 0x0055FF}, {1, 9, 0, 0, 0, 0, 0, 0}});
-    EXPECT_EQ(RowOf(ParsePicture(bytes, "it").dib, 0)[1], Gray(0.0f));
+    const std::vector<uint8_t> pixels = {1, 9, 0, 0, 0, 0, 0, 0};
+    const auto two = FileOf({40, -2, 8, 0, 2, {}, {0x111111, 0x0055FF}, pixels});
+    EXPECT_EQ(RowOf(ParsePicture(two, "it").dib, 0)[1], Gray(0.0f));
+    const auto none = FileOf({40, -2, 8, 0, 0, {}, {}, pixels});
+    EXPECT_EQ(RowOf(ParsePicture(none, "it").dib, 0)[0], Gray(0.0f));
 }
 
 struct HostileCase

@@ -156,7 +156,8 @@ std::vector<RGBQUAD> ReadPalette(const BmpFile& file)
 {
     const uint32_t room = (file.pixelOffset - file.tableOffset) / 4;
     std::vector<RGBQUAD> palette(std::min({TableEntries(file), 1u << file.Bits(), room}));
-    std::memcpy(palette.data(), file.bytes.data() + file.tableOffset, palette.size() * sizeof(RGBQUAD));
+    for (size_t i = 0; i < palette.size(); ++i)
+        std::memcpy(&palette[i], file.bytes.data() + file.tableOffset + i * sizeof(RGBQUAD), sizeof(RGBQUAD));
     return palette;
 }
 
