@@ -4,6 +4,7 @@
 
 #include "vx/blend.h"
 #include "vx/capability.h"
+#include "vx/list.h"
 #include "vx/types.h"
 
 #endif
