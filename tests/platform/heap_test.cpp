@@ -93,16 +93,16 @@ TEST(Heap, BlocksKeepTheirBytesThroughAnySequence)
 TEST(Heap, FreedBlocksServeAgain)
 {
     Heap heap(0, 64 * 1024);
-    for (int i = 0; i < 10000; ++i) {
-        void* small = HeapAlloc(heap, 0, 200);
-        void* large = HeapAlloc(heap, 0, 20000);
-        ASSERT_TRUE(small && large) << "round " << i;
-        large = HeapReAlloc(heap, 0, large, 30000);
-        ASSERT_TRUE(large) << "round " << i;
-        large = HeapReAlloc(heap, 0, large, 100);
-        ASSERT_TRUE(large) << "round " << i;
-        EXPECT_TRUE(HeapFree(heap, 0, small));
-        EXPECT_TRUE(HeapFree(heap, 0, large));
+    for (int round = 0; round < 1000; ++round) {
+        void* blocks[] = {HeapAlloc(heap, 0, 200), HeapAlloc(heap, 0, 200), HeapAlloc(heap, 0, 200),
+                          HeapAlloc(heap, 0, 20000), HeapAlloc(heap, 0, 1500)};
+        for (void*& block : blocks) {
+            ASSERT_TRUE(block) << "round " << round;
+            block = HeapReAlloc(heap, 0, block, &block - blocks < 4 ? 5000 : 100);
+            ASSERT_TRUE(block) << "round " << round;
+        }
+        for (void* block : blocks)
+            EXPECT_TRUE(HeapFree(heap, 0, block));
     }
 }
 

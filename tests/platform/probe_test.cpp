@@ -7,16 +7,16 @@
 
 namespace {
 
-// Three pages, of which the middle one cannot be read.
+// Four pages, of which the third cannot be read.
 class HoleyPages
 {
 public:
     HoleyPages()
-        : bytes_(static_cast<char*>(mmap(nullptr, 3 * Page(), PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0)))
+        : bytes_(static_cast<char*>(mmap(nullptr, 4 * Page(), PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0)))
     {
-        mprotect(bytes_ + Page(), Page(), PROT_NONE);
+        mprotect(bytes_ + 2 * Page(), Page(), PROT_NONE);
     }
-    ~HoleyPages() { munmap(bytes_, 3 * Page()); }
+    ~HoleyPages() { munmap(bytes_, 4 * Page()); }
     static size_t Page() { return size_t(sysconf(_SC_PAGESIZE)); }
     const char* At(size_t offset) const { return bytes_ + offset; }
 
@@ -33,10 +33,10 @@ TEST(IsBadReadPtr, FindsWhatCannotBeReadAnywhereInTheRange)
         size_t offset, bytes;
         BOOL bad;
     } cases[] = {
-        {0, 1, FALSE},        {0, page, FALSE},        {page - 1, 1, FALSE},    {page - 1, 2, TRUE},
-        {0, page + 1, TRUE},  {page, 1, TRUE},         {page + 100, 8, TRUE},   {2 * page - 1, 1, TRUE},
-        {2 * page, 1, FALSE}, {2 * page - 1, 2, TRUE}, {2 * page, page, FALSE}, {100, 3 * page - 100, TRUE},
-        {page, 0, FALSE},
+        {0, 1, FALSE},           {0, 2 * page, FALSE},      {2 * page - 1, 1, FALSE},
+        {2 * page - 1, 2, TRUE}, {1, 2 * page, TRUE},       {100, 4 * page - 100, TRUE},
+        {2 * page, 1, TRUE},     {2 * page + 100, 8, TRUE}, {3 * page - 1, 2, TRUE},
+        {3 * page, page, FALSE}, {2 * page, 0, FALSE},
     };
     for (const auto& c : cases)
         EXPECT_EQ(IsBadReadPtr(pages.At(c.offset), c.bytes), c.bad)
