@@ -1,0 +1,187 @@
+#include "vx/smpte.h"
+
+#include <limits>
+
+namespace {
+
+constexpr double kNanoUnitsPerSecond = 1e7;
+constexpr uint32_t kDropHour = 108;           // labels that drop-frame leaves out of an hour
+constexpr uint32_t kPlainHour = 60 * 60 * 30; // frames of an hour, a minute and ten minutes
+constexpr uint32_t kPlainMinute = 60 * 30;    // of a plain 30-frame clock
+constexpr uint32_t kPlainTenMinutes = 10 * kPlainMinute;
+
+struct Format
+{
+    uint32_t nominal; // frames a second as labels count them
+    double rate;      // true frames a second
+    bool drop;
+    uint32_t day; // frames in 24 hours
+};
+
+constexpr Format kFormats[] = {
+    {0, 30.0, false, 0}, // stands for all unknown formats, which count nothing
+    {30, 30.0, false, 2'592'000},
+    {30, 30000.0 / 1001.0, true, 2'589'408},
+    {25, 25.0, false, 2'160'000},
+    {24, 24.0, false, 2'073'600},
+    {30, 30000.0 / 1001.0, false, 2'592'000},
+    {24, 24000.0 / 1001.0, false, 2'073'600},
+};
+
+const Format& FormatOf(const _smpteval& label)
+{
+    return kFormats[label.format <= VXSMPTE_FORMAT_23976 ? label.format : 0];
+}
+
+// Frames 0 and 1 of the first second of a minute that is no multiple of ten.
+bool IsDropped(uint32_t minutes, uint32_t seconds, uint32_t frames)
+{
+    return frames < 2 && seconds == 0 && minutes % 10 != 0;
+}
+
+// Labels left out up to position x of a plain 30-frame clock.
+uint32_t DroppedUpTo(uint32_t x)
+{
+    const uint32_t inHour = x % kPlainHour;
+    const uint32_t minute = inHour / kPlainMinute;
+    const uint32_t inThisHour = minute == 0 ? 0 : (minute - inHour / kPlainTenMinutes) * 2;
+    return x / kPlainHour * kDropHour + inThisHour;
+}
+
+// The position of a drop-frame count on a plain 30-frame clock: each round adds the labels that the
+// last one stepped over, until there are no more.
+uint32_t PlainPosition(uint32_t count)
+{
+    uint32_t x = count, dropped = 0;
+    for (uint32_t now = DroppedUpTo(x); now != dropped; now = DroppedUpTo(x)) {
+        x += now - dropped;
+        dropped = now;
+    }
+    return x;
+}
+
+// Truncates as the processor does: what does not fit, and a NaN, is the smallest integer.
+int64_t Truncated(double value)
+{
+    const bool fits = value >= -0x1p63 && value < 0x1p63;
+    return fits ? int64_t(value) : std::numeric_limits<int64_t>::min();
+}
+
+void SetFields(_smpteval& label, uint32_t hours, uint32_t minutes, uint32_t seconds, uint32_t frames)
+{
+    label.hours = hours;
+    label.minutes = minutes;
+    label.seconds = seconds;
+    label.frames = frames;
+}
+
+} // namespace
+
+uint32_t VXSMPTE_SMPTEToFrameCount(const _smpteval* label)
+{
+    const Format& format = FormatOf(*label);
+    if (format.nominal == 0)
+        return 0;
+    const bool dropped = format.drop && IsDropped(label->minutes, label->seconds, label->frames);
+    const uint32_t frames = dropped ? 2 : label->frames;
+    const uint32_t count =
+        ((label->hours * 60 + label->minutes) * 60 + label->seconds) * format.nominal + frames;
+    if (!format.drop)
+        return count;
+    return count - label->hours * kDropHour - (label->minutes - label->minutes / 10) * 2;
+}
+
+void VXSMPTE_FrameCountToSMPTE(_smpteval* label, uint32_t count)
+{
+    const Format& format = FormatOf(*label);
+    if (format.nominal == 0) {
+        SetFields(*label, 0, 0, 0, 0);
+        return;
+    }
+    uint32_t x = count % format.day;
+    if (format.drop)
+        x = PlainPosition(x) % (24 * kPlainHour);
+    const uint32_t seconds = x / format.nominal;
+    SetFields(*label, seconds / 3600, seconds / 60 % 60, seconds % 60, x % format.nominal);
+    if (format.drop && IsDropped(label->minutes, label->seconds, label->frames))
+        label->frames = 2;
+}
+
+int64_t VXSMPTE_SMPTEToNanos(const _smpteval* label)
+{
+    return Truncated(VXSMPTE_SMPTEToFrameCount(label) / FormatOf(*label).rate * kNanoUnitsPerSecond + 0.999);
+}
+
+void VXSMPTE_NanoToSMPTE(int64_t nanos, _smpteval* label)
+{
+    const double count = double(nanos) * FormatOf(*label).rate / kNanoUnitsPerSecond + 0.000005;
+    VXSMPTE_FrameCountToSMPTE(label, uint32_t(Truncated(count)));
+}
+
+int64_t VXSMPTE_SmpteLikeToNanos(double rate, const _smpteval* label)
+{
+    const uint32_t seconds = (label->hours * 60 + label->minutes) * 60 + label->seconds;
+    return Truncated((seconds * rate + label->frames) / rate * kNanoUnitsPerSecond + 0.999);
+}
+
+void VXSMPTE_AddSMPTE(_smpteval* a, const _smpteval* b)
+{
+    VXSMPTE_FrameCountToSMPTE(a, VXSMPTE_SMPTEToFrameCount(a) + VXSMPTE_SMPTEToFrameCount(b));
+}
+
+void VXSMPTE_SubtractSMPTE(_smpteval* a, const _smpteval* b)
+{
+    const uint32_t day = FormatOf(*a).day;
+    const int32_t difference = int32_t(VXSMPTE_SMPTEToFrameCount(a) - VXSMPTE_SMPTEToFrameCount(b));
+    const uint32_t back = day == 0 || difference >= 0 ? 0 : (0u - uint32_t(difference)) % day;
+    VXSMPTE_FrameCountToSMPTE(a, difference >= 0 ? uint32_t(difference) : day - back);
+}
+
+int32_t VXSMPTE_SMPTECompare(const _smpteval* a, const _smpteval* b)
+{
+    const uint32_t pairs[][2] = {
+        {a->hours, b->hours}, {a->minutes, b->minutes}, {a->seconds, b->seconds}, {a->frames, b->frames}};
+    for (const auto& [left, right] : pairs)
+        if (left != right)
+            return left > right ? 1 : -1;
+    return 0;
+}
+
+void VXSMPTE_IncrementByFrame(_smpteval* label)
+{
+    const Format& format = FormatOf(*label);
+    if (++label->frames < format.nominal)
+        return;
+    label->frames = 0;
+    if (++label->seconds <= 59)
+        return;
+    label->seconds = 0;
+    ++label->minutes;
+    if (format.drop && label->minutes % 10 != 0)
+        label->frames = 2;
+    if (label->minutes <= 59)
+        return;
+    label->minutes = 0;
+    label->hours = (label->hours & 31) + 1;
+    if (label->hours > 23)
+        label->hours = 0;
+}
+
+void VXSMPTE_DeccrementByFrame(_smpteval* label, uint32_t)
+{
+    const Format& format = FormatOf(*label);
+    if (format.drop && label->frames == 2 && IsDropped(label->minutes, label->seconds, 1)) {
+        SetFields(*label, label->hours, label->minutes - 1, 59, format.nominal - 1);
+        return;
+    }
+    if (label->frames-- != 0)
+        return;
+    label->frames = format.nominal - 1;
+    if (label->seconds-- != 0)
+        return;
+    label->seconds = 59;
+    if (label->minutes-- != 0)
+        return;
+    label->minutes = 59;
+    label->hours = (label->hours & 31) == 0 ? 23 : (label->hours & 31) - 1;
+}

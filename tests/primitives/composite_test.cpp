@@ -1,0 +1,394 @@
+#include "vx/composite.h"
+
+#include "kernel/parallel.h"
+#include "support/frames.h"
+#include "support/vector_levels.h"
+
+#include <array>
+#include <cmath>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <limits>
+
+namespace {
+
+using namespace vxtest;
+
+constexpr float kInfinity = std::numeric_limits<float>::infinity();
+constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
+
+// The slow oracle: one channel (0 to 2, or alpha 3) of a pixel, each mode with formulas of its own
+// for colours and alpha, in plain integers and floats.
+template <class T>
+struct Channel
+{
+    T d, s, da, sa;
+    bool isAlpha;
+};
+
+int64_t Mixed8(int32_t mode, const Channel<int64_t>& c)
+{
+    const int64_t alphaOver = ((255 - c.sa) * c.da + c.sa * 255 + 127) / 255;
+    switch (mode) {
+    case 1:
+        return c.isAlpha ? alphaOver : ((255 - c.sa) * c.d + c.s * 255 + 127) / 255;
+    case 2:
+        return c.isAlpha ? ((255 - c.da) * c.sa + c.da * 255 + 127) / 255
+                         : ((255 - c.da) * c.s + c.d * 255 + 127) / 255;
+    case 3:
+        return c.isAlpha ? alphaOver : c.d + c.s > 255 ? 255 : c.d + c.s;
+    case 4:
+        return c.isAlpha ? c.da * c.sa / 255 : c.d * c.s / 255;
+    case 5:
+        if (c.isAlpha)
+            return alphaOver;
+        return c.d < 128 ? (2 * c.d * c.s) / 255 : 255 - (2 * (255 - c.d) * (255 - c.s)) / 255;
+    case 6:
+        return c.isAlpha ? alphaOver : 255 - ((255 - c.s) * (255 - c.d)) / 255;
+    default:
+        return c.isAlpha ? (c.da + c.sa) >> 1 : (c.d + c.s) >> 1;
+    }
+}
+
+uint8_t Oracle8(int32_t mode, const Channel<int64_t>& c, int64_t opacity)
+{
+    const int64_t mixed = Mixed8(mode, c), base = mode == 2 ? c.s : c.d;
+    return uint8_t(opacity == 255 ? mixed : (mixed * opacity + base * (255 - opacity)) / 255);
+}
+
+float MixedFloat(int32_t mode, const Channel<float>& c)
+{
+    const float alphaOver = (1.0f - c.sa) * c.da + c.sa;
+    switch (mode) {
+    case 1:
+        return c.isAlpha ? alphaOver : (1.0f - c.sa) * c.d + c.s;
+    case 2:
+        return c.isAlpha ? (1.0f - c.da) * c.sa + c.da : (1.0f - c.da) * c.s + c.d;
+    case 3:
+        return c.isAlpha ? alphaOver : c.d + c.s;
+    case 4:
+        return c.isAlpha ? c.da * c.sa : c.d * c.s;
+    case 5:
+        if (c.isAlpha)
+            return alphaOver;
+        return 0.5f > c.d ? c.d * c.s * 2.0f : 1.0f - (1.0f - c.d) * 2.0f * (1.0f - c.s);
+    case 6:
+        return c.isAlpha ? alphaOver : 1.0f - (1.0f - c.s) * (1.0f - c.d);
+    default:
+        return c.isAlpha ? (c.da + c.sa) * 0.5f : (c.d + c.s) * 0.5f;
+    }
+}
+
+float OracleFloat(int32_t mode, const Channel<float>& c, float opacity)
+{
+    const float mixed = MixedFloat(mode, c), base = mode == 2 ? c.s : c.d;
+    const float limit = mode == 3 || mode == 5 ? 0.9999f : 0.999f;
+    return opacity > limit ? mixed : mixed * opacity + (1.0f - opacity) * base;
+}
+
+template <class Wide, class T, class Oracle>
+Frame WithOracle(const Frame& dst, const Frame& src, Oracle oracle)
+{
+    Frame want = dst;
+    for (int32_t y = 0; y < dst.Height(); ++y)
+        for (int32_t i = 0; i < 4 * dst.Width(); ++i) {
+            const Channel<Wide> channel{dst.Get<T>(i, y), src.Get<T>(i, y), dst.Get<T>(i | 3, y),
+                                        src.Get<T>(i | 3, y), (i & 3) == 3};
+            want.Set<T>(i, y, oracle(channel));
+        }
+    return want;
+}
+
+Frame WithOracle8(const Frame& dst, const Frame& src, int32_t mode, int64_t opacity)
+{
+    return WithOracle<int64_t, uint8_t>(dst, src,
+                                        [=](const Channel<int64_t>& c) { return Oracle8(mode, c, opacity); });
+}
+
+Frame WithOracleFloat(const Frame& dst, const Frame& src, int32_t mode, float opacity)
+{
+    return WithOracle<float, float>(dst, src,
+                                    [=](const Channel<float>& c) { return OracleFloat(mode, c, opacity); });
+}
+
+Frame WithComposite(Frame dst, const Frame& src, int32_t bytesPerPixel, int32_t mode, double opacity)
+{
+    EXPECT_TRUE(Composite(dst.Data(), dst.Stride(), src.Data(), src.Stride(), bytesPerPixel, dst.Width(),
+                          dst.Height(), mode, opacity));
+    return dst;
+}
+
+// Two NaNs that meet may give either of them.
+Frame WithOneNan(Frame frame)
+{
+    for (int32_t y = 0; y < frame.Height(); ++y)
+        for (int32_t i = 0; i < 4 * frame.Width(); ++i)
+            if (std::isnan(frame.Get<float>(i, y)))
+                frame.Set(i, y, kNan);
+    return frame;
+}
+
+std::vector<VectorLevel> AllForms()
+{
+    std::vector<VectorLevel> forms = VectorLevels();
+    forms.push_back(kPlain);
+    return forms;
+}
+
+struct Case8
+{
+    const char* name;
+    int32_t mode;
+    uint32_t dst, src;
+    double opacity;
+    uint32_t want;
+};
+
+constexpr Case8 kCases8[] = {
+    {"an opaque source replaces", 1, 0x80123456, 0xFFAABBCC, 1.0, 0xFFAABBCC},
+    {"a clear source keeps", 1, 0x80123456, 0x00000000, 1.0, 0x80123456},
+    {"over rounds by 127", 1, 0xFF000064, 0x80000040, 1.0, 0xFF000072},
+    {"over beyond 255 keeps its low bits", 1, 0xFF0000FF, 0x000000FF, 1.0, 0xFF0000FE},
+    {"which are cut behind the partial mix, not before", 1, 0xFF0000FF, 0x000000FF, 0.5, 0xFF00007F},
+    {"a partial mix cuts its fraction off", 1, 0x00000000, 0xFF000001, 0.5, 0x80000000},
+    {"opacity 0 keeps", 1, 0x12345678, 0xFFFFFFFF, 0.0, 0x12345678},
+    {"an opaque destination stays", 2, 0xFF123456, 0xFFAABBCC, 1.0, 0xFF123456},
+    {"destination over rounds by 127", 2, 0x80000040, 0xFF000064, 1.0, 0xFF000072},
+    {"destination over at opacity 0 is the source", 2, 0x12345678, 0xFEDCBA98, 0.0, 0xFEDCBA98},
+    {"add is capped, its alpha is over", 3, 0x80000AC8, 0x80001464, 1.0, 0xC0001EFF},
+    {"multiply, alpha too", 4, 0x800000C8, 0x80000064, 1.0, 0x4000004E},
+    {"overlay on both sides of 128, its alpha is over", 5, 0x8000807F, 0x80008080, 1.0, 0xC000817F},
+    {"screen, its alpha is over", 6, 0x80000064, 0x80000032, 1.0, 0xC0000083},
+    {"average rounds down, alpha too", 7, 0x03000001, 0x04000002, 1.0, 0x03000001},
+    {"opacity is rounded to a byte: 0", 4, 0xFF0000FF, 0xFF000000, 0.4999 / 255, 0xFF0000FF},
+    {"1", 4, 0xFF0000FF, 0xFF000000, 0.5001 / 255, 0xFF0000FE},
+    {"254", 4, 0xFF0000FF, 0xFF000000, 254.4999 / 255, 0xFF000001},
+    {"255", 4, 0xFF0000FF, 0xFF000000, 254.5001 / 255, 0xFF000000},
+    {"opacity below 0 is 0", 4, 0xFF0000FF, 0xFF000000, -1e300, 0xFF0000FF},
+    {"above 1 is 1", 4, 0xFF0000FF, 0xFF000000, 1e300, 0xFF000000},
+    {"no number is 0", 4, 0xFF0000FF, 0xFF000000, double(kNan), 0xFF0000FF},
+};
+
+TEST(Composite, Table8)
+{
+    for (const Case8& c : kCases8) {
+        uint32_t dst = c.dst;
+        EXPECT_TRUE(Composite(&dst, 4, &c.src, 4, 4, 1, 1, c.mode, c.opacity));
+        EXPECT_EQ(dst, c.want) << c.name << ": " << std::hex << dst;
+    }
+}
+
+struct CaseFloat
+{
+    const char* name;
+    int32_t mode;
+    std::array<float, 4> dst, src;
+    double opacity;
+    std::array<float, 4> want;
+};
+
+constexpr CaseFloat kCasesFloat[] = {
+    {"source over", 1, {0.5f, 1, 0, 1}, {0.25f, 0, 2, 0.5f}, 1.0, {0.5f, 0.5f, 2, 1}},
+    {"half of it", 1, {0.5f, 1, 0, 1}, {0.25f, 0, 2, 0.5f}, 0.5, {0.5f, 0.75f, 1, 1}},
+    {"a negative opacity extrapolates", 1, {1, 1, 1, 1}, {0, 0, 0, 1}, -1.0, {2, 2, 2, 1}},
+    {"an opacity of 2 is full", 1, {1, 1, 1, 1}, {0, 0, 0, 1}, 2.0, {0, 0, 0, 1}},
+    {"destination over", 2, {0.25f, 0, 2, 0.5f}, {0.5f, 1, 0, 1}, 1.0, {0.5f, 0.5f, 2, 1}},
+    {"destination over at opacity 0 is the source", 2, {1, 2, 3, 4}, {5, 6, 7, 8}, 0.0, {5, 6, 7, 8}},
+    {"add is not capped, its alpha is over",
+     3,
+     {0.75f, 1, -1, 0.5f},
+     {0.5f, 4, 0, 0.5f},
+     1.0,
+     {1.25f, 5, -1, 0.75f}},
+    {"multiply, alpha too", 4, {0.5f, 2, -1, 0.5f}, {0.5f, 2, 3, 0.5f}, 1.0, {0.25f, 4, -3, 0.25f}},
+    {"overlay on both sides of 0.5",
+     5,
+     {0.25f, 0.5f, 0.75f, 0.5f},
+     {0.5f, 0.5f, 0, 0.5f},
+     1.0,
+     {0.25f, 0.5f, 0.5f, 0.75f}},
+    {"screen, its alpha is over", 6, {0.5f, 0, 1, 0.5f}, {0.5f, 0, 0, 0.5f}, 1.0, {0.75f, 0, 1, 0.75f}},
+    {"average, alpha too", 7, {1, 2, 3, 0.5f}, {2, 2, -3, 1}, 1.0, {1.5f, 2, 0, 0.75f}},
+};
+
+TEST(Composite, TableFloat)
+{
+    for (const CaseFloat& c : kCasesFloat) {
+        std::array<float, 4> dst = c.dst;
+        EXPECT_TRUE(Composite(dst.data(), 16, c.src.data(), 16, 16, 1, 1, c.mode, c.opacity));
+        EXPECT_EQ(dst, c.want) << c.name;
+    }
+}
+
+TEST(Composite, FloatOpacityIsFullAboveALimitOfTheMode)
+{
+    const std::array<float, 4> dst{0.25f, 0.25f, 0.25f, 0.5f}, src{3.0f, 3.0f, 3.0f, 1.0f};
+    const Channel<float> channel{0.25f, 3.0f, 0.5f, 1.0f, false};
+    for (int32_t mode = 1; mode <= 7; ++mode) {
+        const float limit = mode == VX_COMPOSITE_ADD || mode == VX_COMPOSITE_OVERLAY ? 0.9999f : 0.999f;
+        const float above = std::nextafter(limit, 1.0f), mixed = MixedFloat(mode, channel);
+        const float part = mixed * limit + (1.0f - limit) * (mode == 2 ? 3.0f : 0.25f);
+        ASSERT_NE(mixed, part);
+        std::array<float, 4> atLimit = dst, aboveLimit = dst;
+        Composite(atLimit.data(), 16, src.data(), 16, 16, 1, 1, mode, double(limit));
+        Composite(aboveLimit.data(), 16, src.data(), 16, 16, 1, 1, mode, double(above));
+        EXPECT_EQ(atLimit[0], part) << "mode " << mode;
+        EXPECT_EQ(aboveLimit[0], mixed) << "mode " << mode;
+    }
+}
+
+TEST(Composite, RefusesOtherModesAndTouchesNothing)
+{
+    uint32_t dst[4] = {1, 1, 1, 1};
+    const uint32_t src[4] = {2, 2, 2, 2};
+    for (const int32_t mode :
+         {0, 8, -1, std::numeric_limits<int32_t>::max(), std::numeric_limits<int32_t>::min()})
+        for (const int32_t bytesPerPixel : {4, 16})
+            for (const int32_t height : {1, 0})
+                EXPECT_FALSE(Composite(dst, 16, src, 16, bytesPerPixel, 1, height, mode, 1.0));
+    for (const int32_t size : {0, -1}) {
+        EXPECT_TRUE(Composite(dst, 16, src, 16, 4, size, 1, 1, 1.0));
+        EXPECT_TRUE(Composite(dst, 16, src, 16, 4, 1, size, 1, 1.0));
+    }
+    EXPECT_THAT(dst, testing::Each(1u));
+}
+
+TEST(Composite, AnyOtherPixelSizeIsFloat)
+{
+    for (const int32_t bytesPerPixel : {0, -4, 3, 8, 16}) {
+        std::array<float, 4> dst{1, 1, 1, 1};
+        const std::array<float, 4> src{3, 3, 3, 3};
+        EXPECT_TRUE(
+            Composite(dst.data(), 16, src.data(), 16, bytesPerPixel, 1, 1, VX_COMPOSITE_AVERAGE, 1.0));
+        EXPECT_THAT(dst, testing::Each(2.0f));
+    }
+}
+
+void ExpectOracle8(const Frame& dst, const Frame& src, int32_t mode, int32_t opacity)
+{
+    const Frame want = WithOracle8(dst, src, mode, opacity);
+    for (const VectorLevel& form : AllForms()) {
+        const OnlyLevel only(form);
+        ASSERT_EQ(WithComposite(dst, src, 4, mode, opacity / 255.0), want)
+            << form.name << ", mode " << mode << ", opacity " << opacity;
+    }
+}
+
+// Every pair stands in each channel, beside other pairs.
+TEST(Composite, EveryPairOfBytesGivesTheFormula)
+{
+    Random random;
+    Frame dst(256, 256, 4, Rows::Wide, random), src(256, 256, 4, Rows::Wide, random);
+    for (int32_t y = 0; y < 256; ++y)
+        for (int32_t x = 0; x < 256; ++x)
+            for (int32_t i = 0; i < 4; ++i) {
+                dst.Pixel(x, y)[i] = uint8_t(y + 64 * i);
+                src.Pixel(x, y)[i] = uint8_t(x ^ (y * i));
+            }
+    for (int32_t mode = 1; mode <= 7; ++mode)
+        for (const int32_t opacity : {0, 1, 77, 126, 127, 254, 255})
+            ExpectOracle8(dst, src, mode, opacity);
+}
+
+// Every pair of bytes, three of them a pixel, under every opacity: as alpha is 0 or 255 the changes
+// have every length from -255 to 255, and the sums of the formula reach 17 bits.
+TEST(Composite, EveryOpacityGivesTheFormula)
+{
+    Random random;
+    Frame dst(86, 256, 4, Rows::Tight, random), src(86, 256, 4, Rows::Tight, random);
+    for (const uint8_t alpha : {uint8_t(0), uint8_t(255)}) {
+        for (int32_t pixel = 0; pixel < 86 * 256; ++pixel) {
+            uint8_t* d = dst.Pixel(pixel % 86, pixel / 86);
+            uint8_t* s = src.Pixel(pixel % 86, pixel / 86);
+            for (int32_t i = 0; i < 3; ++i) {
+                d[i] = uint8_t((3 * pixel + i) >> 8);
+                s[i] = uint8_t(3 * pixel + i);
+            }
+            d[3] = s[3] = alpha;
+        }
+        for (int32_t opacity = 0; opacity <= 255; ++opacity) {
+            ExpectOracle8(dst, src, VX_COMPOSITE_SOURCE_OVER, opacity);
+            ExpectOracle8(dst, src, VX_COMPOSITE_DESTINATION_OVER, opacity);
+        }
+    }
+}
+
+constexpr double kOpacities[] = {-0.75, 0.0, 0.3, 0.7, 0.9995, 1.0, 1.5, double(kNan), double(kInfinity)};
+
+void FillSpecials(Frame& frame, Random& random)
+{
+    constexpr float kSpecials[] = {0.0f,  -0.0f,     1.0f,   0.5f,  0.49999997f, 1e-45f,
+                                   1e38f, kInfinity, -1e38f, -1.0f, kNan,        -kInfinity};
+    frame.FillFloats(random, -0.5f, 1.5f);
+    for (int32_t y = 0; y < frame.Height(); ++y)
+        for (int32_t i = 0; i < 4 * frame.Width(); ++i)
+            if (random.Int(0, 7) == 0)
+                frame.Set(i, y, kSpecials[random.Int(0, int32_t(std::size(kSpecials)) - 1)]);
+}
+
+// On every form, laying a frame on itself included.
+void ExpectOracle(const Frame& dst, const Frame& src, int32_t bytesPerPixel, int32_t mode, double opacity)
+{
+    const auto oracle = [&](const Frame& s) {
+        if (bytesPerPixel == 16)
+            return WithOneNan(WithOracleFloat(dst, s, mode, float(opacity)));
+        const double byteOpacity =
+            std::isnan(opacity) ? 0.0 : std::fmin(std::fmax(opacity * 255.0 + 0.5, 0.0), 255.0);
+        return WithOracle8(dst, s, mode, int64_t(byteOpacity));
+    };
+    const auto comparable = [&](const Frame& f) { return bytesPerPixel == 16 ? WithOneNan(f) : f; };
+    const Frame want = oracle(src), wantOnItself = oracle(dst);
+    for (const VectorLevel& form : AllForms()) {
+        const OnlyLevel only(form);
+        ASSERT_EQ(comparable(WithComposite(dst, src, bytesPerPixel, mode, opacity)), want)
+            << form.name << ", mode " << mode << ", opacity " << opacity;
+        Frame itself = dst;
+        Composite(itself.Data(), itself.Stride(), itself.Data(), itself.Stride(), bytesPerPixel,
+                  itself.Width(), itself.Height(), mode, opacity);
+        ASSERT_EQ(comparable(itself), wantOnItself)
+            << form.name << ", on itself, mode " << mode << ", opacity " << opacity;
+    }
+}
+
+TEST(Composite, EveryFormWidthAndArrangementGivesTheFormula)
+{
+    Random random;
+    for (const Rows rows : kAllRows)
+        for (int32_t width = 1; width <= 70; ++width)
+            for (int32_t mode = 1; mode <= 7; ++mode) {
+                const double opacity = kOpacities[random.Int(0, int32_t(std::size(kOpacities)) - 1)];
+                const Frame dst(width, 2, 4, rows, random), src(width, 2, 4, rows, random);
+                ExpectOracle(dst, src, 4, mode, opacity);
+                Frame dstFloat(width, 2, 16, rows, random), srcFloat(width, 2, 16, rows, random);
+                FillSpecials(dstFloat, random);
+                FillSpecials(srcFloat, random);
+                ExpectOracle(dstFloat, srcFloat, 16, mode, opacity);
+                if (HasFatalFailure())
+                    return;
+            }
+}
+
+// The large frame is shared among workers; a call for one row is not.
+TEST(Composite, SharingRowsGivesTheBitsOfRowByRowCalls)
+{
+    Random random;
+    for (const int32_t bytesPerPixel : {4, 16})
+        for (const Rows rows : {Rows::Tight, Rows::Negative})
+            for (const int32_t mode : {VX_COMPOSITE_SOURCE_OVER, VX_COMPOSITE_OVERLAY}) {
+                const int32_t width = 1003;
+                const int32_t height = int32_t(vx::kParallelBytes / (3 * bytesPerPixel * width)) + 1;
+                Frame dst(width, height, bytesPerPixel, rows, random),
+                    src(width, height, bytesPerPixel, rows, random);
+                if (bytesPerPixel == 16) {
+                    dst.FillFloats(random, 0.0f, 1.0f);
+                    src.FillFloats(random, 0.0f, 1.0f);
+                }
+                Frame want = dst;
+                for (int32_t y = 0; y < height; ++y)
+                    Composite(want.Row(y), 0, src.Row(y), 0, bytesPerPixel, width, 1, mode, 0.4);
+                ASSERT_EQ(WithComposite(dst, src, bytesPerPixel, mode, 0.4), want)
+                    << "mode " << mode << ", " << rows;
+            }
+}
+
+} // namespace

@@ -1,0 +1,83 @@
+#include "vx/timer.h"
+
+#include "time/timer.h"
+#include "vx/platform/clock.h"
+
+#include <gtest/gtest.h>
+#include <thread>
+
+namespace {
+
+TEST(CounterScale, FollowsFromTheFrequency)
+{
+    const struct
+    {
+        uint32_t frequency, perMillisec, perMicrosec, divisor;
+    } cases[] = {
+        {10'000'000, 10'000, 10, 0},
+        {3'579'545, 3'579, 3, 1'193'181},
+        {1'000'000, 1'000, 1, 0},
+        {32'768, 32, 1, 32'768},
+        {500, 1, 1, 500},
+    };
+    for (const auto& c : cases) {
+        const auto scale = vx::CounterScale::Of(c.frequency);
+        EXPECT_EQ(scale.ticksPerMillisec, c.perMillisec) << c.frequency;
+        EXPECT_EQ(scale.ticksPerMicrosec, c.perMicrosec) << c.frequency;
+        EXPECT_EQ(scale.microDivisor, c.divisor) << c.frequency;
+    }
+}
+
+TEST(CounterScale, MicrosecondsRoundAndStopAt32BitsWhereTheyMustBeCorrected)
+{
+    const auto exact = vx::CounterScale::Of(10'000'000);
+    EXPECT_EQ(exact.Microsec(19), 1);
+    EXPECT_EQ(exact.Microsec(100'000'000'000'000), 10'000'000'000'000);
+    const auto corrected = vx::CounterScale::Of(3'579'545);
+    EXPECT_EQ(corrected.Microsec(3'579'543), 1'000'000);
+    const auto coarse = vx::CounterScale::Of(32'768);
+    EXPECT_EQ(coarse.Microsec(32'768 * 2'000), 2'000'000'000);
+    EXPECT_EQ(coarse.Microsec(32'768 * 3'000), -1) << "3,000 seconds do not fit";
+}
+
+TEST(MulDiv, RoundsHalvesAwayFromZero)
+{
+    const struct
+    {
+        int number, numerator, denominator, want;
+    } cases[] = {{7, 1, 2, 4},  {-7, 1, 2, -4},      {7, 1, -2, -4},           {5, 1, 3, 2},    {4, 1, 3, 1},
+                 {1, 1, 0, -1}, {1 << 30, 4, 1, -1}, {1 << 30, 4, 8, 1 << 29}, {-1, -1, -1, -1}};
+    for (const auto& c : cases)
+        EXPECT_EQ(MulDiv(c.number, c.numerator, c.denominator), c.want)
+            << c.number << " " << c.numerator << " " << c.denominator;
+}
+
+// In one test, since the clock is chosen once for the process.
+TEST(Timer, CountsOnBothClocks)
+{
+    int64_t stamp = 0;
+    const int64_t sinceStart = VxDeltaMillisecEx(&stamp);
+    EXPECT_EQ(stamp, sinceStart) << "the tick count's own value";
+    EXPECT_EQ(VxGetMicrosecEx(&stamp) % 1000, 0) << "whole milliseconds";
+
+    vx::TimerEarlyInitialize(0);
+    EXPECT_GT(VxGetMillisec(), 0) << "still the tick count, since 0";
+    vx::TimerEarlyInitialize(4);
+    EXPECT_LT(VxGetMillisec(), 10'000) << "since the choice";
+    stamp = 0;
+    VxDeltaMicrosecEx(&stamp);
+    const int64_t kept = stamp;
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    const int64_t micro = VxGetMicrosecEx(&stamp);
+    EXPECT_GE(micro, 20'000);
+    EXPECT_GE(VxGetMicrosecEx(&stamp), micro);
+    EXPECT_EQ(stamp, kept);
+    EXPECT_GE(VxDeltaMillisecEx(&stamp), 20);
+    EXPECT_GT(stamp, kept);
+    const int64_t before = VxGetMicrosec();
+    vx::TimerEarlyInitialize(4);
+    VxTimer_LateInitialize();
+    EXPECT_GE(VxGetMicrosec(), before) << "a second set-up changes nothing";
+}
+
+} // namespace
