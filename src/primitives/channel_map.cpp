@@ -157,11 +157,6 @@ bool AcceptChannel(int32_t channel)
     return false;
 }
 
-bool IsEmpty(int32_t width, int32_t height)
-{
-    return width <= 0 || height <= 0;
-}
-
 } // namespace
 } // namespace vx
 
