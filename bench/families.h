@@ -8,5 +8,6 @@ namespace vxbench {
 void AddMixWorks(Suite& suite);
 void AddChannelWorks(Suite& suite);
 void AddCompositeWorks(Suite& suite);
+void AddListWorks(Suite& suite);
 
 } // namespace vxbench

@@ -87,6 +87,7 @@ int Run(const Options& options)
     AddMixWorks(suite);
     AddChannelWorks(suite);
     AddCompositeWorks(suite);
+    AddListWorks(suite);
     const auto outcomes = suite.Run(options.filter, options.quick ? kQuick : kThorough, ShowProgress);
 
     PrintTable(outcomes);
