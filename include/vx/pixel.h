@@ -145,7 +145,7 @@ VX_EXPORT HRESULT VxDibInfo(uint32_t* outHeaderBytes, uint32_t* outImageBytes, B
  *   flags          VXDIBALLOC_ZERO; the pixels are undefined without. Other bits have no effect.
  *   tag            not read
  * E_INVALIDARG for an unknown type; E_OUTOFMEMORY without memory, and where width or height are
- * negative or the pixels take 4 GiB or more. The block is movable global memory, locked. */
+ * negative or the sizes in the header would wrap. The block is movable global memory, locked. */
 VX_EXPORT HRESULT VxDibAlloc(BITMAPINFOHEADER** outDib, int32_t type, int32_t width, int32_t height,
                              const RGBQUAD* palette, int32_t paletteCount, uint32_t flags, intptr_t tag);
 

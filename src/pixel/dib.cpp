@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <limits>
 
 namespace vx {
 namespace {
@@ -21,10 +20,11 @@ Word ImageBytes(const PixelTypeInfo& info, int32_t width, int32_t height)
                            : PaddedRowBytes<Word>(info.bits, width) * Word(height);
 }
 
+// Whether biSizeImage, which wraps, tells the true bytes of the pixels.
 bool FitsHeader(const PixelTypeInfo& info, int32_t width, int32_t height)
 {
     return width >= 0 && height >= 0 &&
-           ImageBytes<uint64_t>(info, width, height) <= std::numeric_limits<uint32_t>::max();
+           ImageBytes<uint64_t>(info, width, height) == ImageBytes<uint32_t>(info, width, height);
 }
 
 uint32_t ColoursUsed(const PixelTypeInfo& info, const RGBQUAD* palette, int32_t paletteCount)
