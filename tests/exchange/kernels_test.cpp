@@ -230,8 +230,9 @@ TEST(ExchangeRuns, ReadAsTheModelAtEveryLevelWithinTheirBytes)
             const int32_t bits = ModelOf(job.record.sourceType).bits, depth = job.record.depth;
             for (const int32_t count : kCounts) {
                 const int64_t skipped = start + 8 * random.Int(0, 3);
-                const auto row = RandomPixels(job.record.sourceType,
-                                              size_t(std::max<int64_t>(skipped + int64_t(count) * bits, 1) + 7) / 8, random);
+                const auto row = RandomPixels(
+                    job.record.sourceType,
+                    size_t(std::max<int64_t>(skipped + int64_t(count) * bits, 1) + 7) / 8, random);
                 vx::RunBuffer buffer;
                 std::memset(buffer.bytes, 0xCD, sizeof(buffer.bytes));
                 vx::SelectRuns(job.record).read(buffer.bytes, row.data(), skipped, count, job.record);
