@@ -6,6 +6,8 @@
 #include "vx/capability.h"
 #include "vx/channels.h"
 #include "vx/composite.h"
+#include "vx/curve.h"
+#include "vx/dib.h"
 #include "vx/internationals.h"
 #include "vx/list.h"
 #include "vx/numbers.h"
@@ -13,5 +15,6 @@
 #include "vx/smpte.h"
 #include "vx/timer.h"
 #include "vx/types.h"
+#include "vx/xchg.h"
 
 #endif
