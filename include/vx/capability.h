@@ -24,12 +24,12 @@
 #define VX_CPU_SSSE3 0x100u
 #define VX_CPU_SSE41 0x200u
 #define VX_CPU_SSE42 0x400u
-#define VX_CPU_AVX 0x800u  /* never shown in an answer; its bit of the allow mask gates wide vectors */
+#define VX_CPU_AVX 0x800u /* never shown in an answer; its bit of the allow mask gates wide vectors */
 #define VX_CPU_CMOV 0x1000u
 #define VX_CPU_FPU 0x2000u
 #define VX_CPU_TSC 0x4000u
-#define VX_CPU_FTZ 0x20000u   /* denormals are flushed on the thread that ran the probe */
-#define VX_CPU_VECTOR 0xFF0u  /* the bits that VxOnlyAllowCPUSupport governs */
+#define VX_CPU_FTZ 0x20000u  /* denormals are flushed on the thread that ran the probe */
+#define VX_CPU_VECTOR 0xFF0u /* the bits that VxOnlyAllowCPUSupport governs */
 
 VX_EXTERN_C_BEGIN
 

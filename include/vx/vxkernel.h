@@ -4,7 +4,11 @@
 
 #include "vx/blend.h"
 #include "vx/capability.h"
+#include "vx/channels.h"
 #include "vx/composite.h"
+#include "vx/internationals.h"
+#include "vx/numbers.h"
+#include "vx/pixel.h"
 #include "vx/smpte.h"
 #include "vx/timer.h"
 #include "vx/types.h"

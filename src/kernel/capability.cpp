@@ -153,6 +153,15 @@ void ProbeOnce()
         Probe();
 }
 
+uint32_t ClassOfAllowed(uint32_t allowed)
+{
+    if (allowed & VX_CPU_SSE2)
+        return 6;
+    if (allowed & VX_CPU_SSE)
+        return 5;
+    return allowed & VX_CPU_MMX ? 4 : 0;
+}
+
 uint32_t AllBitsIfZero(uint32_t mask)
 {
     return mask ? mask : kAllBits;
@@ -212,7 +221,7 @@ int32_t VxSetCPUClassBySupport()
 {
     const uint32_t allowed = g_capability.allowed;
     g_capability.allowed = allowed & ~VX_CPU_CLASS_MASK;
-    g_capability.classOverride = allowed & VX_CPU_SSE2 ? 6 : allowed & VX_CPU_SSE ? 5 : allowed & VX_CPU_MMX ? 4 : 0;
+    g_capability.classOverride = vx::ClassOfAllowed(allowed);
     return 1;
 }
 

@@ -22,8 +22,8 @@ size_t BestVectorTarget(int64_t compiled);
 
 } // namespace vx
 
-#define VX_VECTOR_FORM(function, plain)                                                              \
-    [] {                                                                                             \
-        const size_t target = ::vx::BestVectorTarget(HWY_TARGETS);                                   \
-        return target == 0 ? &plain : HWY_DISPATCH_TABLE(function)[target];                          \
+#define VX_VECTOR_FORM(function, plain)                                     \
+    [] {                                                                    \
+        const size_t target = ::vx::BestVectorTarget(HWY_TARGETS);          \
+        return target == 0 ? &plain : HWY_DISPATCH_TABLE(function)[target]; \
     }()

@@ -4,6 +4,8 @@
 #include <hwy/foreach_target.h> // includes this file once for each target
 #include <hwy/highway.h>
 
+#include "primitives/arithmetic-inl.h"
+
 #ifndef VX_BLEND_PLAIN
 #define VX_BLEND_PLAIN
 
@@ -17,7 +19,8 @@
 namespace vx {
 namespace {
 
-constexpr uint32_t kHalf = 2048; // rounds the 12 fraction bits of the weights
+constexpr uint32_t kOne = 4096; // weights have 12 fraction bits
+constexpr uint32_t kHalf = 2048;
 
 struct BlendWeights
 {
@@ -33,7 +36,7 @@ uint8_t BlendChannel(uint32_t d, uint32_t s, uint8_t alpha, BlendWeights w)
     return uint8_t(std::clamp<int32_t>(mixed, 0, alpha));
 }
 
-void BlendRow(uint8_t* dst, const uint8_t* src, int32_t width, BlendWeights w)
+HWY_NOINLINE void BlendRow(uint8_t* dst, const uint8_t* src, int32_t width, BlendWeights w)
 {
     for (int32_t x = 0; x < width; ++x, dst += 4, src += 4)
         for (int c = 0; c < 3; ++c)
@@ -50,28 +53,63 @@ namespace vx {
 namespace HWY_NAMESPACE {
 namespace {
 
-namespace hn = hwy::HWY_NAMESPACE;
+// Weights of 0 to 4096 come from factors from 0.0 to 1.0 and sum to no more than 4096. They are taken
+// apart into 64 high + low. With H and L the sums of the products with either part, the mean
+// (64 H + L + 2048) / 4096 is (H + L / 64 + 32) / 64, all rounded down; it is a byte, and no sum of two
+// products exceeds 255 * 126.
+template <class D>
+HWY_INLINE hn::Vec<D> BlendBytes(D bytes, hn::Vec<D> d, hn::Vec<D> s, BlendWeights w)
+{
+    const hn::Repartition<int16_t, D> words;
+    const auto high = hn::Set(words, int16_t((w.dst >> 6) | (w.src >> 6) << 8));
+    const auto low = hn::Set(words, int16_t((w.dst & 63) | (w.src & 63) << 8));
+    const auto blend = [=](auto d16, auto s16) HWY_ATTR {
+        const auto pair = hn::Or(d16, hn::ShiftLeft<8>(s16));
+        const auto rounded = hn::Add(hn::ShiftRight<6>(SumOfPair(pair, low)), hn::Set(words, 32));
+        return hn::ShiftRight<6>(hn::Add(SumOfPair(pair, high), rounded));
+    };
+    return OnWideLanes<int16_t>(bytes, blend, d, s);
+}
 
-// One channel is a 32-bit lane here, so that any weight wraps as in the plain form.
+// Any other weights: sums wrap as in the plain form.
+template <class D>
+HWY_INLINE hn::Vec<D> BlendBytesAny(D bytes, hn::Vec<D> d, hn::Vec<D> s, hn::Vec<D> limit, BlendWeights w)
+{
+    const hn::Repartition<int32_t, D> longs;
+    const auto blend = [=](auto d32, auto s32, auto limit32) HWY_ATTR {
+        const auto ofDst = hn::Mul(d32, hn::Set(longs, int32_t(w.dst)));
+        const auto ofSrc = hn::Mul(s32, hn::Set(longs, int32_t(w.src)));
+        const auto sum = hn::Add(hn::Add(ofDst, ofSrc), hn::Set(longs, int32_t(kHalf)));
+        return hn::Clamp(hn::ShiftRight<12>(sum), hn::Zero(longs), limit32);
+    };
+    return OnLongLanes(bytes, blend, d, s, limit);
+}
+
+template <bool kUsualWeights>
+HWY_INLINE void BlendRowOf(uint8_t* dst, const uint8_t* src, int32_t width, BlendWeights w)
+{
+    const hn::ScalableTag<uint8_t> bytes;
+    const int64_t step = int64_t(hn::Lanes(bytes)) / 4;
+    const auto toAlpha = ChannelIndexes(bytes, 3);
+    const auto isAlpha = AlphaLanes(bytes);
+    int64_t x = 0;
+    for (; x + step <= width; x += step) {
+        const auto d = hn::LoadU(bytes, dst + 4 * x);
+        const auto s = hn::LoadU(bytes, src + 4 * x);
+        const auto alpha = hn::TableLookupBytes(d, toAlpha);
+        const auto mixed =
+            kUsualWeights ? hn::Min(BlendBytes(bytes, d, s, w), alpha) : BlendBytesAny(bytes, d, s, alpha, w);
+        hn::StoreU(hn::IfThenElse(isAlpha, d, mixed), bytes, dst + 4 * x);
+    }
+    BlendRow(dst + 4 * x, src + 4 * x, int32_t(width - x), w);
+}
+
 void BlendRowVector(uint8_t* dst, const uint8_t* src, int32_t width, BlendWeights w)
 {
-    const hn::ScalableTag<int32_t> lanes;
-    const hn::Rebind<uint8_t, decltype(lanes)> bytes;
-    const int32_t step = int32_t(hn::Lanes(lanes)) / 4;
-    const auto dstWeight = hn::Set(lanes, int32_t(w.dst));
-    const auto srcWeight = hn::Set(lanes, int32_t(w.src));
-    const auto half = hn::Set(lanes, int32_t(kHalf));
-    const auto isAlpha = hn::Eq(hn::And(hn::Iota(lanes, 0), hn::Set(lanes, 3)), hn::Set(lanes, 3));
-    int32_t x = 0;
-    for (; x + step <= width; x += step) {
-        const auto d = hn::PromoteTo(lanes, hn::LoadU(bytes, dst + 4 * x));
-        const auto s = hn::PromoteTo(lanes, hn::LoadU(bytes, src + 4 * x));
-        const auto alpha = hn::Broadcast<3>(d); // a pixel is four lanes
-        const auto sum = hn::Add(hn::Add(hn::Mul(d, dstWeight), hn::Mul(s, srcWeight)), half);
-        const auto mixed = hn::Clamp(hn::ShiftRight<12>(sum), hn::Zero(lanes), alpha);
-        hn::StoreU(hn::DemoteTo(bytes, hn::IfThenElse(isAlpha, d, mixed)), bytes, dst + 4 * x);
-    }
-    BlendRow(dst + 4 * x, src + 4 * x, width - x, w);
+    if (w.dst <= kOne && w.src <= kOne)
+        BlendRowOf<true>(dst, src, width, w);
+    else
+        BlendRowOf<false>(dst, src, width, w);
 }
 
 } // namespace
@@ -89,6 +127,8 @@ bool Blend(void* dst, int32_t dstStride, const void* src, int32_t srcStride, int
            double factor)
 {
     using namespace vx;
+    if (IsEmpty(width, height))
+        return true;
     const BlendWeights weights{TruncatedWeight(factor * 4096.0), TruncatedWeight((1.0 - factor) * 4096.0)};
     const auto row = VX_VECTOR_FORM(BlendRowVector, BlendRow);
     for (int32_t y = 0; y < height; ++y)

@@ -24,7 +24,8 @@ TEST(ParallelRows, WorksEveryRowOnce)
 TEST(ParallelRows, SmallFramesStayOnTheCallersThread)
 {
     const auto caller = std::this_thread::get_id();
-    vx::ParallelRows(64, vx::kParallelBytes - 1, [&](int32_t) { EXPECT_EQ(std::this_thread::get_id(), caller); });
+    vx::ParallelRows(64, vx::kParallelBytes - 1,
+                     [&](int32_t) { EXPECT_EQ(std::this_thread::get_id(), caller); });
 }
 
 TEST(ParallelRows, WorkersTakeTheCallersFloatModeForTheCallOnly)
@@ -35,7 +36,8 @@ TEST(ParallelRows, WorkersTakeTheCallersFloatModeForTheCallOnly)
         vx::ParallelRows(64, vx::kParallelBytes,
                          [&](int32_t) { EXPECT_EQ(vx::WithFloatMode::Current(), before | 0x8040); });
     }
-    vx::ParallelRows(64, vx::kParallelBytes, [&](int32_t) { EXPECT_EQ(vx::WithFloatMode::Current(), before); });
+    vx::ParallelRows(64, vx::kParallelBytes,
+                     [&](int32_t) { EXPECT_EQ(vx::WithFloatMode::Current(), before); });
 }
 
 } // namespace

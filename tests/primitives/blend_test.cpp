@@ -1,10 +1,9 @@
 #include "vx/blend.h"
 
-#include "support/frames.h"
-#include "support/vector_levels.h"
+#include "support/forms.h"
 
+#include <algorithm>
 #include <cmath>
-#include <gtest/gtest.h>
 
 namespace {
 
@@ -24,6 +23,7 @@ constexpr BlendCase kBlendCases[] = {
     {"0.0 clamps to the alpha of dst", 0x50302010, 0x00605040, 0.0, 0x50505040},
     {"half rounds up", 0xFF000001, 0x00000002, 0.5, 0xFF000002},
     {"weights may sum to less than 4096", 0xFFFFFFFF, 0xFFFFFFFF, 0.3, 0xFFFFFFFF},
+    {"which shows where the sum is near a half", 0xFF030303, 0x00020202, 0.49999, 0xFF020202},
     {"a negative sum is 0", 0xFF101010, 0x00FFFFFF, 2.0, 0xFF000000},
     {"a large sum is the alpha", 0xFFFFFFFF, 0x00000000, 100.0, 0xFFFFFFFF},
 };
@@ -37,32 +37,51 @@ TEST(Blend, Table)
     }
 }
 
-TEST(Blend, EmptySizeTouchesNothing)
+void BlendOracle(Frame& dst, const Frame& src, double factor)
 {
-    uint32_t dst = 1, src = 2;
-    EXPECT_TRUE(Blend(&dst, 4, &src, 4, 0, 1, 0.0));
-    EXPECT_TRUE(Blend(&dst, 4, &src, 4, 1, 0, 0.0));
-    EXPECT_TRUE(Blend(&dst, 4, &src, 4, -1, -1, 0.0));
-    EXPECT_EQ(dst, 1u);
+    const int64_t wd = IntegerPart(factor * 4096.0), ws = IntegerPart((1.0 - factor) * 4096.0);
+    for (int32_t y = 0; y < dst.Height(); ++y)
+        for (int32_t x = 0; x < dst.Width(); ++x)
+            for (int32_t c = 0; c < 3; ++c) {
+                uint8_t* const d = dst.Pixel(x, y);
+                const int64_t v = Wrap(d[c] * wd + src.Pixel(x, y)[c] * ws + 2048) / 4096;
+                d[c] = uint8_t(std::clamp<int64_t>(v, 0, d[3]));
+            }
 }
 
-TEST(Blend, EveryFormGivesThePlainBits)
+void CheckBlend(const Frame& before, const Frame& src, double factor)
+{
+    SCOPED_TRACE(testing::Message() << "factor " << factor);
+    Frame want = before;
+    BlendOracle(want, src, factor);
+    ExpectInEveryForm(before, want, [&](Frame& dst) {
+        return Blend(dst.Data(), dst.Stride(), src.Data(), src.Stride(), dst.Width(), dst.Height(), factor);
+    });
+}
+
+TEST(Blend, EveryShape)
 {
     Random random;
-    for (const VectorLevel& level : VectorLevels())
-        for (const Rows rows : kAllRows)
-            for (int32_t width = 1; width <= 70; ++width) {
-                const Frame src(width, 3, 4, rows, random);
-                Frame plain(width, 3, 4, rows, random), vector = plain;
-                const double factor = random.Unit() * 3.0 - 1.0;
-                {
-                    const OnlyLevel only(kPlain);
-                    Blend(plain.Data(), plain.Stride(), src.Data(), src.Stride(), width, 3, factor);
-                }
-                const OnlyLevel only(level);
-                Blend(vector.Data(), vector.Stride(), src.Data(), src.Stride(), width, 3, factor);
-                ASSERT_EQ(plain, vector) << level.name << ", width " << width << ", " << rows << ", factor " << factor;
-            }
+    ForEveryShape([&](int32_t width, Rows rows) {
+        CheckBlend(Frame(width, 3, 4, rows, random), Frame(width, 3, 4, rows, random),
+                   random.Unit() * 3.0 - 1.0);
+    });
+}
+
+// The last few lie about the places where 16-bit weights end and where nothing fits 32 bits.
+TEST(Blend, EveryPairOfBytesAndFarFactors)
+{
+    Random random;
+    const Frame dst = FrameOfColumns(random), src = FrameOfRows(random);
+    std::vector<double> factors = {0.0, 0x1p-60, 1.0 / 4096, 0.5, 0.9999, 1.0, 1.0001, -1.0};
+    for (int i = 0; i < 8; ++i)
+        factors.push_back(random.Unit());
+    for (const double limit : {8.0, 524287.0, 524288.0, 1e300, std::numeric_limits<double>::infinity()})
+        for (const double step : {0.0, 0.0001, 0.3, 1.0})
+            factors.insert(factors.end(), {limit - step, -limit - step});
+    factors.push_back(std::numeric_limits<double>::quiet_NaN());
+    for (const double factor : factors)
+        CheckBlend(dst, src, factor);
 }
 
 } // namespace

@@ -44,6 +44,7 @@ public:
     int32_t Width() const { return width_; }
     int32_t Height() const { return height_; }
     int32_t Stride() const { return stride_; }
+    size_t RowBytes() const { return size_t(width_) * size_t(bytesPerPixel_); }
     void* Data() { return memory_.data() + offset_; }
     const void* Data() const { return memory_.data() + offset_; }
     uint8_t* Row(int32_t y) { return memory_.data() + int64_t(offset_) + int64_t(stride_) * y; }
@@ -77,8 +78,8 @@ public:
     friend bool operator==(const Frame& a, const Frame& b) { return a.memory_ == b.memory_; }
     friend std::ostream& operator<<(std::ostream& out, const Frame& f)
     {
-        return out << f.width_ << "x" << f.height_ << " frame, " << f.bytesPerPixel_ << " bytes a pixel, stride "
-                   << f.stride_;
+        return out << f.width_ << "x" << f.height_ << " frame, " << f.bytesPerPixel_
+                   << " bytes a pixel, stride " << f.stride_;
     }
 
 private:

@@ -11,18 +11,19 @@
 #define PROCESSOR_INTEL_PENTIUM 586
 #define PROCESSOR_AMD_X8664 8664
 
-typedef struct SYSTEM_INFO {
+typedef struct SYSTEM_INFO
+{
     WORD wProcessorArchitecture; /* PROCESSOR_ARCHITECTURE_... */
     WORD wReserved;
-    DWORD dwPageSize;                   /* bytes */
-    void* lpMinimumApplicationAddress;  /* lowest address that a program can map */
-    void* lpMaximumApplicationAddress;  /* highest one */
-    DWORD_PTR dwActiveProcessorMask;    /* bit n: processor n may be used; the first 64 only */
-    DWORD dwNumberOfProcessors;         /* processors that this process may run on, at least 1 */
-    DWORD dwProcessorType;              /* PROCESSOR_AMD_X8664 on x86-64, else 0 */
-    DWORD dwAllocationGranularity;      /* bytes; where mappings begin */
-    WORD wProcessorLevel;               /* processor family, as CPUID tells it */
-    WORD wProcessorRevision;            /* model in the high byte, stepping in the low one */
+    DWORD dwPageSize;                  /* bytes */
+    void* lpMinimumApplicationAddress; /* lowest address that a program can map */
+    void* lpMaximumApplicationAddress; /* highest one */
+    DWORD_PTR dwActiveProcessorMask;   /* bit n: processor n may be used; the first 64 only */
+    DWORD dwNumberOfProcessors;        /* processors that this process may run on, at least 1 */
+    DWORD dwProcessorType;             /* PROCESSOR_AMD_X8664 on x86-64, else 0 */
+    DWORD dwAllocationGranularity;     /* bytes; where mappings begin */
+    WORD wProcessorLevel;              /* processor family, as CPUID tells it */
+    WORD wProcessorRevision;           /* model in the high byte, stepping in the low one */
 } SYSTEM_INFO;
 VX_STATIC_ASSERT(sizeof(SYSTEM_INFO) == 48, "the published record has 48 bytes");
 

@@ -71,7 +71,8 @@ typedef HANDLE HMODULE;
 #define FAILED(status) ((HRESULT)(status) < 0)
 
 /* A rectangle in pixels; right and bottom are exclusive. */
-typedef struct RECT {
+typedef struct RECT
+{
     LONG left;
     LONG top;
     LONG right;
@@ -79,20 +80,23 @@ typedef struct RECT {
 } RECT;
 VX_STATIC_ASSERT(sizeof(RECT) == 16, "RECT is four 32-bit words");
 
-typedef struct POINT {
+typedef struct POINT
+{
     LONG x;
     LONG y;
 } POINT;
 
 /* Width and height. */
-typedef struct SIZE {
+typedef struct SIZE
+{
     LONG cx;
     LONG cy;
 } SIZE;
 VX_STATIC_ASSERT(sizeof(SIZE) == 8, "SIZE is two 32-bit words");
 
 /* One entry of a bitmap's colour table. */
-typedef struct RGBQUAD {
+typedef struct RGBQUAD
+{
     BYTE rgbBlue;
     BYTE rgbGreen;
     BYTE rgbRed;
@@ -100,7 +104,8 @@ typedef struct RGBQUAD {
 } RGBQUAD;
 
 /* One entry of a display palette: the same colours in the other order. */
-typedef struct PALETTEENTRY {
+typedef struct PALETTEENTRY
+{
     BYTE peRed;
     BYTE peGreen;
     BYTE peBlue;
@@ -108,7 +113,8 @@ typedef struct PALETTEENTRY {
 } PALETTEENTRY;
 
 /* Head of a device-independent bitmap; the library's pixel.h says how the rest follows. */
-typedef struct BITMAPINFOHEADER {
+typedef struct BITMAPINFOHEADER
+{
     DWORD biSize;
     LONG biWidth;
     LONG biHeight;
@@ -125,7 +131,8 @@ VX_STATIC_ASSERT(sizeof(BITMAPINFOHEADER) == 40, "the published header has 40 by
 VX_STATIC_ASSERT(offsetof(BITMAPINFOHEADER, biCompression) == 16, "the published order of fields");
 VX_STATIC_ASSERT(offsetof(BITMAPINFOHEADER, biClrUsed) == 32, "the published order of fields");
 
-typedef struct BITMAPINFO {
+typedef struct BITMAPINFO
+{
     BITMAPINFOHEADER bmiHeader;
     RGBQUAD bmiColors[1];
 } BITMAPINFO;

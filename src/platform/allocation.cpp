@@ -1,0 +1,46 @@
+#include "platform/allocation.h"
+
+#include "vx/platform/testing.h"
+
+#include <atomic>
+#include <cstdlib>
+#include <cstring>
+
+namespace vxplatform {
+namespace {
+
+// Allocations up to the one that fails, that one included; 0 while none is to fail.
+std::atomic<uint32_t> g_untilFailure{0};
+
+bool MustFail()
+{
+    uint32_t left = g_untilFailure.load(std::memory_order_relaxed);
+    while (left != 0)
+        if (g_untilFailure.compare_exchange_weak(left, left - 1))
+            return left == 1;
+    return false;
+}
+
+} // namespace
+
+void* AllocateBytes(size_t bytes, bool zeroed)
+{
+    void* memory = nullptr;
+    if (MustFail() || posix_memalign(&memory, kBlockAlignment, bytes ? bytes : 1) != 0)
+        return nullptr;
+    if (zeroed)
+        std::memset(memory, 0, bytes);
+    return memory;
+}
+
+void ReleaseBytes(void* bytes)
+{
+    std::free(bytes);
+}
+
+} // namespace vxplatform
+
+void VxPlatform_FailAllocationAt(uint32_t n)
+{
+    vxplatform::g_untilFailure = n;
+}

@@ -1,0 +1,146 @@
+// MultiplyChannel: one channel of a frame weighed by, or made from, one channel of another.
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "primitives/multiply_channel.cpp"
+#include <hwy/foreach_target.h> // includes this file once for each target
+#include <hwy/highway.h>
+
+#include "primitives/arithmetic-inl.h"
+
+#ifndef VX_MULTIPLY_CHANNEL_PLAIN
+#define VX_MULTIPLY_CHANNEL_PLAIN
+
+#include "kernel/vector_targets.h"
+#include "primitives/arithmetic.h"
+#include "primitives/rows.h"
+#include "vx/blend.h"
+
+namespace vx {
+namespace {
+
+struct ChannelPair
+{
+    int32_t dst;
+    int32_t src;
+};
+
+HWY_NOINLINE void MultiplyChannelRow(uint8_t* dst, const uint8_t* src, int32_t width, ChannelPair channel,
+                                     ScaleOffset)
+{
+    for (int32_t x = 0; x < width; ++x, dst += 4, src += 4)
+        dst[channel.dst] = MultiplyBytes(dst[channel.dst], src[channel.src]);
+}
+
+HWY_NOINLINE void MultiplyChannelScaledRow(uint8_t* dst, const uint8_t* src, int32_t width,
+                                           ChannelPair channel, ScaleOffset weight)
+{
+    for (int32_t x = 0; x < width; ++x, dst += 4, src += 4)
+        dst[channel.dst] = MultiplyScaled(dst[channel.dst], src[channel.src], weight);
+}
+
+// Writes one float of every four: a loop that the compiler's vectors cannot better.
+void SetFloatChannelRow(uint8_t* dst, const uint8_t* src, int32_t width, ChannelPair channel,
+                        FloatScaleOffset weight)
+{
+    dst += 4 * channel.dst, src += channel.src;
+    for (int32_t x = 0; x < width; ++x, dst += 16, src += 4)
+        StoreElement(dst, float(*src) * weight.scale + weight.offset);
+}
+
+} // namespace
+} // namespace vx
+
+#endif // VX_MULTIPLY_CHANNEL_PLAIN
+
+HWY_BEFORE_NAMESPACE();
+namespace vx {
+namespace HWY_NAMESPACE {
+namespace {
+
+// A pixel is a 32-bit lane. op makes of a byte and its weight 255 times their product, which fits the lane's
+// lower half. Returns how many pixels were done in whole vectors.
+template <class Op>
+HWY_INLINE int64_t MultiplyChannelLanes(uint8_t* dst, const uint8_t* src, int32_t width, ChannelPair channel,
+                                        const Op& op)
+{
+    const hn::ScalableTag<int32_t> pixels;
+    const hn::Repartition<uint16_t, decltype(pixels)> words;
+    const hn::Repartition<uint8_t, decltype(pixels)> bytes;
+    const int64_t step = int64_t(hn::Lanes(pixels));
+    const auto low = hn::Set(pixels, 0xFF);
+    const auto others = hn::Not(hn::ShiftLeftSame(low, 8 * channel.dst));
+    int64_t x = 0;
+    for (; x + step <= width; x += step) {
+        const auto d = hn::BitCast(pixels, hn::LoadU(bytes, dst + 4 * x));
+        const auto s = hn::BitCast(pixels, hn::LoadU(bytes, src + 4 * x));
+        const auto times255 = op(hn::And(hn::ShiftRightSame(d, 8 * channel.dst), low),
+                                 hn::And(hn::ShiftRightSame(s, 8 * channel.src), low));
+        const auto product = hn::BitCast(pixels, DivideBy255(hn::BitCast(words, times255)));
+        const auto placed = hn::ShiftLeftSame(product, 8 * channel.dst);
+        hn::StoreU(hn::BitCast(bytes, hn::Or(hn::And(d, others), placed)), bytes, dst + 4 * x);
+    }
+    return x;
+}
+
+void MultiplyChannelRowVector(uint8_t* dst, const uint8_t* src, int32_t width, ChannelPair channel,
+                              ScaleOffset weight)
+{
+    const auto multiply = [](auto d, auto w) HWY_ATTR { return MultiplyBytesTimes255(d, w); };
+    const int64_t done = MultiplyChannelLanes(dst, src, width, channel, multiply);
+    MultiplyChannelRow(dst + 4 * done, src + 4 * done, int32_t(width - done), channel, weight);
+}
+
+void MultiplyChannelScaledRowVector(uint8_t* dst, const uint8_t* src, int32_t width, ChannelPair channel,
+                                    ScaleOffset weight)
+{
+    const auto multiply = [=](auto d, auto w) HWY_ATTR { return MultiplyScaledTimes255(d, w, weight); };
+    const int64_t done = MultiplyChannelLanes(dst, src, width, channel, multiply);
+    MultiplyChannelScaledRow(dst + 4 * done, src + 4 * done, int32_t(width - done), channel, weight);
+}
+
+} // namespace
+} // namespace HWY_NAMESPACE
+} // namespace vx
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+
+namespace vx {
+HWY_EXPORT(MultiplyChannelRowVector);
+HWY_EXPORT(MultiplyChannelScaledRowVector);
+
+namespace {
+
+bool IsChannel(int32_t channel)
+{
+    return channel >= 0 && channel <= 3;
+}
+
+} // namespace
+} // namespace vx
+
+bool MultiplyChannel(void* dst, int32_t dstStride, int32_t bytesPerPixel, int32_t dstChannel, const void* src,
+                     int32_t srcStride, int32_t srcChannel, int32_t width, int32_t height, double scale,
+                     double offset)
+{
+    using namespace vx;
+    if (!IsChannel(dstChannel) || !IsChannel(srcChannel))
+        return false;
+    if (IsEmpty(width, height))
+        return true;
+    const ChannelPair channel{dstChannel, srcChannel};
+    if (bytesPerPixel != 4) {
+        const FloatScaleOffset weight = FloatScaleOffsetOf(scale, offset);
+        for (int32_t y = 0; y < height; ++y)
+            SetFloatChannelRow(RowAt(dst, dstStride, y), RowAt(src, srcStride, y), width, channel, weight);
+        return true;
+    }
+    const ScaleOffset weight = ScaleOffsetOf(scale, offset);
+    const auto row = IsUnscaled(scale, offset)
+                         ? VX_VECTOR_FORM(MultiplyChannelRowVector, MultiplyChannelRow)
+                         : VX_VECTOR_FORM(MultiplyChannelScaledRowVector, MultiplyChannelScaledRow);
+    for (int32_t y = 0; y < height; ++y)
+        row(RowAt(dst, dstStride, y), RowAt(src, srcStride, y), width, channel, weight);
+    return true;
+}
+
+#endif // HWY_ONCE

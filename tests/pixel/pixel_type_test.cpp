@@ -1,0 +1,201 @@
+#include "vx/pixel.h"
+
+#include "support/random.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cstring>
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace vxtest;
+
+constexpr uint32_t FourCC(const char (&text)[5])
+{
+    return uint32_t(uint8_t(text[0])) | uint32_t(uint8_t(text[1])) << 8 | uint32_t(uint8_t(text[2])) << 16 |
+           uint32_t(uint8_t(text[3])) << 24;
+}
+
+struct TypeCase
+{
+    int32_t type;
+    uint32_t compression;
+    int32_t bits;
+    std::array<uint8_t, 4> channels;
+    int32_t channelResult;
+};
+
+constexpr TypeCase kTypes[] = {
+    {16, 0, 1, {0, 0, 0, 1}, 1},
+    {17, FourCC("VXGS"), 1, {0, 0, 0, 1}, 1},
+    {18, FourCC("VXGS"), 2, {0, 0, 0, 2}, 2},
+    {19, FourCC("VXGS"), 4, {0, 0, 0, 4}, 4},
+    {20, FourCC("VXGS"), 8, {0, 0, 0, 8}, 8},
+    {21, FourCC("VXGS"), 16, {0, 0, 0, 16}, 16},
+    {22, FourCC("VXGS"), 32, {0, 0, 0, 32}, 32},
+    {23, 0, 4, {8, 8, 8, 0}, 4},
+    {24, 0, 8, {8, 8, 8, 0}, 8},
+    {25, 0, 16, {5, 5, 5, 1}, 16},
+    {26, 3, 16, {5, 6, 5, 0}, 16},
+    {27, 0, 24, {8, 8, 8, 0}, 24},
+    {28, 0, 32, {8, 8, 8, 8}, 32},
+    {29, FourCC("VXDB"), 32, {8, 8, 8, 8}, 32},
+    {30, 3, 32, {10, 10, 10, 2}, 32},
+    {31, FourCC("VXDB"), 64, {16, 16, 16, 16}, 64},
+    {32, FourCC("VXDB"), 128, {32, 32, 32, 32}, 128},
+    {64, FourCC("UYVY"), 16, {0, 0, 0, 0}, 0},
+    {65, FourCC("YUYV"), 16, {0, 0, 0, 0}, 0},
+    {66, FourCC("Y41B"), 12, {0, 0, 0, 0}, 0},
+    {67, FourCC("I420"), 12, {0, 0, 0, 0}, 0},
+    {68, FourCC("v210"), 20, {0, 0, 0, 0}, 0},
+};
+
+// A header with its masks, at an odd address: headers need no alignment.
+class Header
+{
+public:
+    Header(uint32_t compression, int32_t bits, std::array<uint32_t, 3> masks = {})
+    {
+        BITMAPINFOHEADER header{};
+        header.biSize = sizeof(header);
+        header.biBitCount = WORD(bits);
+        header.biCompression = compression;
+        std::memcpy(bytes_.data() + 1, &header, sizeof(header));
+        std::memcpy(bytes_.data() + 1 + sizeof(header), masks.data(), sizeof(masks));
+    }
+    const BITMAPINFOHEADER* Get() const
+    {
+        return reinterpret_cast<const BITMAPINFOHEADER*>(bytes_.data() + 1);
+    }
+
+private:
+    alignas(4) std::array<uint8_t, 53> bytes_{};
+};
+
+TEST(PixelType, TellsBitsCompressionAndChannels)
+{
+    for (int32_t type = -1; type <= 100; ++type) {
+        const auto* known = std::find_if(std::begin(kTypes), std::end(kTypes),
+                                         [type](const TypeCase& c) { return c.type == type; });
+        const TypeCase want = known != std::end(kTypes) ? *known : TypeCase{type, 0, 0, {}, 0};
+        uint32_t compression = 1;
+        EXPECT_EQ(VxPixelTypeToBitAttribs(type, &compression, nullptr, 0, nullptr), want.bits) << type;
+        EXPECT_EQ(compression, want.compression) << type;
+        std::array<uint8_t, 4> channels{9, 9, 9, 9};
+        EXPECT_EQ(VxGetPixelBitsPerChannel(type, channels.data()), want.channelResult) << type;
+        EXPECT_EQ(channels, want.channels) << type;
+    }
+    for (const int32_t type : {INT32_MIN, INT32_MAX})
+        EXPECT_EQ(VxPixelTypeToBitAttribs(type, nullptr, nullptr, 0, nullptr), 0);
+}
+
+TEST(PixelType, RecordAndMasksAreWrittenWholeOrNotAtAll)
+{
+    for (const int32_t type : {16, 17, 22, 23, 26, 30, 64, 0}) {
+        VxBitAttribs record;
+        std::memset(&record, 0xAA, sizeof(record));
+        const VxBitAttribs untouched = record;
+        uint32_t compression = 7, masks[4] = {1, 2, 3, 4};
+        EXPECT_EQ(VxPixelTypeToBitAttribs(type, &compression, &record, 63, masks), 0);
+        EXPECT_EQ(compression, 7u);
+        EXPECT_EQ(masks[0], 1u);
+        EXPECT_EQ(std::memcmp(&record, &untouched, sizeof(record)), 0);
+
+        VxPixelTypeToBitAttribs(type, &compression, &record, 64, masks);
+        const uint32_t attributes = type >= 17 && type <= 22 ? 0x1000 : 0xFFFFFFFF;
+        const uint32_t want[16] = {64, attributes, 0, 0xFFFFFFFF, 0, 0, 0, 0x3FF00000}; // high word of 1.0
+        EXPECT_EQ(std::memcmp(&record, want, sizeof(want)), 0) << type;
+        std::array<uint32_t, 4> wantMasks{0, 0, 0, 4};
+        if (type == 26)
+            wantMasks = {0xF800, 0x07E0, 0x001F, 4};
+        if (type == 30)
+            wantMasks = {0x3FF00000, 0x000FFC00, 0x000003FF, 4};
+        EXPECT_EQ(std::to_array(masks), wantMasks) << type;
+    }
+}
+
+TEST(PixelType, FoundFromEveryDepthOfEveryCompression)
+{
+    EXPECT_EQ(VxGetPixelType(nullptr), 0);
+    for (const uint32_t compression :
+         {0u, 1u, 2u, FourCC("VXDB"), FourCC("VXGS"), FourCC("UYVY"), FourCC("YUYV"), FourCC("Y41B"),
+          FourCC("I420"), FourCC("v210"), FourCC("IYUV"), FourCC("YV12"), FourCC("V210")})
+        for (int32_t bits = 0; bits <= 129; ++bits) {
+            int32_t want = compression == FourCC("VXDB") && bits == 24 ? 27 : 0;
+            for (const TypeCase& c : kTypes)
+                if (c.compression == compression && (c.bits == bits || c.type >= 64))
+                    want = c.type;
+            const Header header(compression, bits);
+            EXPECT_EQ(VxGetPixelType(header.Get()), want)
+                << std::hex << compression << ", bits " << std::dec << bits;
+            const bool plain =
+                compression == 0 || compression == FourCC("VXDB") || compression == FourCC("VXGS");
+            EXPECT_EQ(VxVideo_IsCompressed(header.Get()), !plain || want == 0);
+        }
+}
+
+uint32_t RandomMask(Random& random, int32_t setBits)
+{
+    uint32_t mask = 0;
+    while (VxCountBits(mask) < setBits)
+        mask |= 1u << random.Int(0, 31);
+    return mask;
+}
+
+TEST(PixelType, MasksCountWhereverTheirBitsLie)
+{
+    struct MaskCase
+    {
+        int32_t bits;
+        std::array<int32_t, 3> widths;
+        int32_t want;
+    };
+    constexpr MaskCase kCases[] = {
+        {16, {5, 5, 5}, 25}, {16, {5, 6, 5}, 26},   {32, {8, 8, 8}, 28}, {32, {10, 10, 10}, 30},
+        {16, {6, 5, 5}, 0},  {16, {5, 5, 6}, 0},    {16, {8, 8, 8}, 0},  {32, {5, 6, 5}, 0},
+        {32, {8, 8, 10}, 0}, {32, {10, 10, 11}, 0}, {24, {8, 8, 8}, 0},  {32, {32, 32, 32}, 0},
+        {16, {0, 0, 0}, 0},  {0, {5, 5, 5}, 0},
+    };
+    Random random;
+    for (const MaskCase& c : kCases)
+        for (int trial = 0; trial < 20; ++trial) {
+            const Header header(3, c.bits,
+                                {RandomMask(random, c.widths[0]), RandomMask(random, c.widths[1]),
+                                 RandomMask(random, c.widths[2])});
+            EXPECT_EQ(VxGetPixelType(header.Get()), c.want) << c.bits << " bits, green " << c.widths[1];
+            EXPECT_EQ(VxVideo_IsCompressed(header.Get()), c.want == 0);
+        }
+}
+
+TEST(BitHelpers, MaskIsItsBitsOneByOne)
+{
+    for (const int32_t first : {INT32_MIN, -33, -32, -31, -1, 0, 1, 15, 30, 31, 32, 33, INT32_MAX})
+        for (const int32_t count : {INT32_MIN, -1, 0, 1, 2, 5, 31, 32, 33, 64, INT32_MAX}) {
+            uint32_t want = 0;
+            for (int64_t bit = 0; bit < 32; ++bit)
+                if (bit >= first && bit < int64_t(first) + count)
+                    want |= uint32_t(1) << bit;
+            EXPECT_EQ(VxCreateBitMask(first, count), want) << first << ", " << count;
+            EXPECT_EQ(VxCountBits(want), std::popcount(want));
+        }
+}
+
+TEST(PaletteOrder, ExchangesRedAndBlueAndClearsTheFourthByte)
+{
+    RGBQUAD quads[] = {{1, 2, 3, 4}, {5, 6, 7, 8}, {9, 10, 11, 12}};
+    PALETTEENTRY entries[3];
+    std::memset(entries, 0xEE, sizeof(entries));
+    VxVideo_PaletteEntryFromRGBA(entries, quads, 2);
+    const uint8_t want[12] = {3, 2, 1, 0, 7, 6, 5, 0, 0xEE, 0xEE, 0xEE, 0xEE};
+    EXPECT_EQ(std::memcmp(entries, want, sizeof(want)), 0);
+    for (const int32_t count : {0, -1, INT32_MIN})
+        VxVideo_PaletteRGBAFromEntry(quads, entries, count);
+    EXPECT_EQ(quads[0].rgbReserved, 4);
+    VxVideo_PaletteRGBAFromEntry(reinterpret_cast<RGBQUAD*>(entries), entries, 3); // in place
+    const uint8_t back[12] = {1, 2, 3, 0, 5, 6, 7, 0, 0xEE, 0xEE, 0xEE, 0};
+    EXPECT_EQ(std::memcmp(entries, back, sizeof(back)), 0);
+}
+
+} // namespace

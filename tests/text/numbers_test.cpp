@@ -1,0 +1,555 @@
+#include "vx/numbers.h"
+
+#include "lang/internationals.h"
+#include "support/locales.h"
+#include "support/random.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <functional>
+#include <limits>
+#include <string>
+
+using namespace vxtest;
+
+namespace {
+
+constexpr uint64_t kMax64 = std::numeric_limits<uint64_t>::max();
+constexpr int64_t kMin64 = std::numeric_limits<int64_t>::min();
+constexpr int32_t kMin32 = std::numeric_limits<int32_t>::min();
+
+template <class T>
+std::u16string Plain(T value)
+{
+    char text[32];
+    const auto end = std::to_chars(text, std::end(text), value).ptr;
+    return {text, end};
+}
+
+std::u16string Separator()
+{
+    return vx::g_internationals.thousandsSeparator;
+}
+
+// Groups of three by inserting from the right.
+std::u16string Grouped(std::u16string text)
+{
+    const size_t first = text.starts_with(u'-') ? 1 : 0;
+    for (size_t at = std::min(text.find(u'.'), text.size()); at > first + 3;)
+        text.insert(at -= 3, Separator());
+    return text;
+}
+
+std::string Ascii(const std::u16string& text)
+{
+    return {text.begin(), text.end()};
+}
+
+// Values of every length, and those at the ends of a range.
+template <class T>
+T RandomValue(Random& random)
+{
+    if (random.Int(0, 9) == 0) { // in unsigned: a step past an end wraps to the other one
+        const T end = random.Int(0, 1) ? std::numeric_limits<T>::max() : T(0);
+        return T(uint64_t(end) + uint64_t(int64_t(random.Int(-2, 2))));
+    }
+    return T(random.Next() >> random.Int(0, 63));
+}
+
+enum class Cut
+{
+    GivesLength, // the cut text's length is the result
+    GivesZero,
+};
+
+template <class T>
+struct Functions
+{
+    int32_t (*toText)(T, char16_t*, int32_t);
+    int32_t (*toTextN)(T, char16_t*, int32_t, int32_t);
+    T (*read)(const char16_t*, const char16_t**);
+    int32_t leastCapacity;
+    Cut cut;
+};
+constexpr Functions<uint32_t> kDWord{VxDWordToText, VxDWordToTextN, VxTextToDWordToken, 2, Cut::GivesZero};
+constexpr Functions<uint64_t> kDWordLong{VxDWordLongToText, VxDWordLongToTextN, VxTextToDWordLongToken, 1,
+                                         Cut::GivesLength};
+constexpr Functions<int32_t> kLong{VxLongToText, VxLongToTextN, VxTextToLongToken, 2, Cut::GivesZero};
+constexpr Functions<int64_t> kLongLong{VxLongLongToText, VxLongLongToTextN, VxTextToLongLongToken, 2,
+                                       Cut::GivesZero};
+
+template <class T>
+void ExpectRoundTrip(const Functions<T>& f, T value)
+{
+    for (const int32_t group : {0, 1}) {
+        const std::u16string want = group ? Grouped(Plain(value)) : Plain(value);
+        char16_t text[64], bounded[64];
+        ASSERT_EQ(f.toText(value, text, group), int32_t(want.size()));
+        ASSERT_EQ(text, want);
+        ASSERT_EQ(f.toTextN(value, bounded, 64, group), int32_t(want.size()));
+        ASSERT_EQ(bounded, want);
+        const char16_t* end = nullptr;
+        ASSERT_EQ(f.read(text, &end), value) << Ascii(want);
+        ASSERT_EQ(end, text + want.size());
+    }
+}
+
+// Every capacity: what stands, what is returned, and nothing behind it. Below the least capacity
+// nothing is written.
+void ExpectBounded(const std::u16string& whole, int32_t leastCapacity, Cut cut,
+                   const std::function<int32_t(char16_t*, int32_t)>& write)
+{
+    const int32_t length = int32_t(whole.size());
+    for (int32_t capacity = -1; capacity <= length + 2; ++capacity) {
+        SCOPED_TRACE(testing::Message() << Ascii(whole) << ", capacity " << capacity);
+        std::u16string text(40, u'#'), want = text;
+        const int32_t kept = std::max(0, std::min(length, capacity - 1));
+        if (capacity >= leastCapacity)
+            want.replace(0, size_t(kept) + 1, whole.substr(0, size_t(kept)) + u'\0');
+        EXPECT_EQ(write(text.data(), capacity), capacity > length || cut == Cut::GivesLength ? kept : 0);
+        EXPECT_EQ(text, want);
+    }
+}
+
+template <class T>
+void ExpectCuts(const Functions<T>& f, T value, int32_t group)
+{
+    ExpectBounded(group ? Grouped(Plain(value)) : Plain(value), f.leastCapacity, f.cut,
+                  [&](char16_t* text, int32_t capacity) { return f.toTextN(value, text, capacity, group); });
+}
+
+std::u16string Call(const std::function<int32_t(char16_t*)>& write)
+{
+    char16_t text[128];
+    const int32_t length = write(text);
+    EXPECT_EQ(std::u16string(text).size(), size_t(length));
+    return text;
+}
+
+std::u16string Double(double value, uint32_t decimals, int32_t group = 0)
+{
+    return Call([=](char16_t* text) { return VxDoubleToText(text, value, decimals, group); });
+}
+
+std::u16string FormatNumber(const char16_t* source)
+{
+    return Call([=](char16_t* text) { return VxFormatNumber(source, text, 128); });
+}
+
+std::u16string FormatDecimal(const char16_t* source)
+{
+    return Call([=](char16_t* text) { return VxFormatDecimalNumber(source, text, 128); });
+}
+
+std::u16string FormatGroup(const char16_t* source, uint32_t decimals)
+{
+    return Call([=](char16_t* text) { return VxFormatGroupDecimalNumber(source, text, 128, decimals); });
+}
+
+} // namespace
+
+TEST(Numbers, IntegersGoToTextAndBackInEveryLocale)
+{
+    Random random;
+    for (const char* name : kLocales) {
+        SCOPED_TRACE(name);
+        const OnlyLocale locale(name);
+        for (int i = 0; i < 2000; ++i) {
+            ExpectRoundTrip(kDWord, RandomValue<uint32_t>(random));
+            ExpectRoundTrip(kDWordLong, RandomValue<uint64_t>(random));
+            ExpectRoundTrip(kLong, RandomValue<int32_t>(random));
+            ExpectRoundTrip(kLongLong, RandomValue<int64_t>(random));
+        }
+    }
+}
+
+TEST(Numbers, EveryLengthOfIntegerGoesToTextAndBack)
+{
+    const OnlyLocale locale("en-US");
+    uint64_t power = 1;
+    for (int digits = 1; digits <= 20; ++digits, power *= 10)
+        for (const uint64_t value : {power - 1, power, power + 1, power * 9}) {
+            ExpectRoundTrip(kDWordLong, value);
+            ExpectRoundTrip(kLongLong, int64_t(value));
+            ExpectRoundTrip(kDWord, uint32_t(value));
+            ExpectRoundTrip(kLong, -int32_t(value % 1000000007));
+        }
+    ExpectRoundTrip(kLong, kMin32);
+    ExpectRoundTrip(kLongLong, kMin64);
+}
+
+TEST(Numbers, BoundedIntegersAreCut)
+{
+    for (const char* name : {"en-US", "sv-SE", "ar-SA"}) {
+        const OnlyLocale locale(name);
+        for (const int32_t group : {0, 1}) {
+            ExpectCuts(kDWord, uint32_t(0), group);
+            ExpectCuts(kDWord, uint32_t(4294967295u), group);
+            ExpectCuts(kDWordLong, uint64_t(0), group);
+            ExpectCuts(kDWordLong, kMax64, group);
+            ExpectCuts(kLong, int32_t(1234567), group);
+            ExpectCuts(kLongLong, int64_t(1234567890123456789), group);
+        }
+        // A negative number's room is that of the locale's sign: only here the two are of one length.
+        if (vx::g_internationals.negativeSignLength == 1) {
+            ExpectCuts(kLong, kMin32, 1);
+            ExpectCuts(kLongLong, kMin64, 1);
+        }
+        ExpectCuts(kLong, kMin32, 0);
+        ExpectCuts(kLongLong, kMin64, 0);
+    }
+}
+
+TEST(Numbers, DoublesToText)
+{
+    const OnlyLocale locale("de-DE");
+    constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+    constexpr double kInfinity = std::numeric_limits<double>::infinity();
+    const struct
+    {
+        double value;
+        uint32_t decimals;
+        const char16_t *plain, *grouped;
+    } cases[] = {
+        {0.999, 2, u"1.00", u"1,00"},
+        {-0.001, 2, u"0.00", u"0,00"},
+        {-0.006, 2, u"-0.01", u"-0,01"},
+        {-0.005, 2, u"0.00", u"0,00"}, // the float unit of two decimals is a little below 0.01
+        {-0.0, 1, u"0.0", u"0,0"},
+        {2.5, 0, u"3", u"3"},
+        {-2.5, 0, u"-3", u"-3"},
+        {0.49, 0, u"0", u"0"},
+        {1.05, 1, u"1.1", u"1,1"},
+        {1.04, 1, u"1.0", u"1,0"},
+        {1234567.005, 3, u"1234567.005", u"1.234.567,005"},
+        {0.1, 12, u"0.100000000", u"0,100000000"},
+        {0.1, uint32_t(-1), u"0.100000000", u"0,100000000"},
+        {999999.95, 1, u"1000000.0", u"1.000.000,0"},
+        {18446744073709549568.0, 0, u"18446744073709549568", u"18.446.744.073.709.549.568"},
+        {0x1p64, 0, u"18446744073709551615", u"18.446.744.073.709.551.615"},
+        {1e300, 2, u"18446744073709551615.00", u"18.446.744.073.709.551.615,00"},
+        {-kInfinity, 0, u"-18446744073709551615", u"-18.446.744.073.709.551.615"},
+        {kNaN, 1, u"0.0", u"0,0"},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(Double(c.value, c.decimals), c.plain);
+        EXPECT_EQ(Double(c.value, c.decimals, 1), c.grouped);
+    }
+}
+
+TEST(Numbers, BoundedDoublesReportWhatStands)
+{
+    const OnlyLocale locale("en-US");
+    for (const int32_t group : {0, 1})
+        ExpectBounded(Double(-12345.678, 2, group), 1, Cut::GivesLength,
+                      [=](char16_t* text, int32_t capacity) {
+                          return VxDoubleToTextN(text, capacity, -12345.678, 2, group);
+                      });
+}
+
+TEST(Numbers, DoublesGoToTextAndBackInEveryLocale)
+{
+    Random random;
+    for (const char* name : kLocales) {
+        SCOPED_TRACE(name);
+        const OnlyLocale locale(name);
+        for (int i = 0; i < 2000; ++i) {
+            const uint32_t decimals = uint32_t(random.Int(0, 9));
+            const double value = (random.Unit() - 0.5) * std::pow(10.0, random.Int(0, 6));
+            const double tolerance = 0.5001 * std::pow(10.0, -int(decimals)) + 1e-15 * std::fabs(value);
+            for (const int32_t group : {0, 1}) {
+                const std::u16string text = Double(value, decimals, group);
+                const char16_t* end = nullptr;
+                ASSERT_NEAR(VxTextToDoubleToken(text.c_str(), &end, group), value, tolerance) << Ascii(text);
+                ASSERT_EQ(end, text.c_str() + text.size()) << Ascii(text);
+            }
+        }
+    }
+}
+
+TEST(Numbers, TextForAPerson)
+{
+    const OnlyLocale locale("de-DE");
+    const struct
+    {
+        const char16_t *source, *number, *decimal, *group;
+    } cases[] = {
+        // rounded and grouped; its decimals; both
+        {u"1234567", u"1.234.567", u"1234567", u"1.234.567"},
+        {u"-1234", u"-1.234", u"-1234", u"-1.234"},
+        {u"1234.50", u"1.235", u"1234,50", u"1.234,50"},
+        {u"-0.4", u"0", u"-0,4", u"-0,4"},
+        {u"0.7", u"1", u"0,7", u"0,7"},
+        {u".7", u"1", u"0,7", u"0,7"},
+        {u"5.", u"5", u"5", u"5"},
+        // what is in front is copied, with zeros
+        {u"", u"", u"", u""},
+        {u"0", u"0", u"0", u"0"},
+        {u"   12", u"   12", u"   12", u"   12"},
+        {u"0012345", u"0012.345", u"0012345", u"0012.345"},
+        {u"000", u"000", u"000", u"000"},
+        {u"00.5", u"01", u"00,5", u"00,5"},
+        {u"-0012345", u"-12.345", u"-12345", u"-12.345"},
+        {u"size: 12345", u"size: 12.345", u"size: 12345", u"size: 12.345"},
+        // no number behind it
+        {u"no number", u"no number", u"no number", u"no number"},
+        {u"a-b", u"a", u"a", u"a"},
+        {u"12x", u"", u"", u""},
+        {u"1 234", u"", u"", u""},
+        {u"1.0123456789", u"1", u"", u""},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(FormatNumber(c.source), c.number) << &c - cases;
+        EXPECT_EQ(FormatDecimal(c.source), c.decimal) << &c - cases;
+        EXPECT_EQ(FormatGroup(c.source, VXNUM_COUNT_DECIMALS), c.group) << &c - cases;
+    }
+    EXPECT_EQ(FormatGroup(u"1234.50", 1), u"1.234,5");
+    EXPECT_EQ(FormatGroup(u"1234.56", 0), u"1.235");
+    EXPECT_EQ(FormatGroup(u"1234", 3), u"1.234,000");
+    EXPECT_EQ(FormatGroup(u"1234", 10), u"");
+}
+
+TEST(Numbers, ALocalesSignBecomesAPlainOne)
+{
+    for (const char* name : kLocales) {
+        const OnlyLocale locale(name);
+        const std::u16string number = u"1" + Separator() + u"234";
+        EXPECT_EQ(FormatNumber(u"-1234"), u"-" + number) << name;
+        EXPECT_EQ(FormatNumber(u"x-1234"), u"x-" + number) << name;
+        // The room must hold the number with the locale's own sign.
+        const int32_t room = int32_t(number.size() + vx::g_internationals.negativeSignLength + 1);
+        char16_t text[16];
+        EXPECT_EQ(VxFormatNumber(u"-1234", text, room), int32_t(number.size()) + 1) << name;
+        EXPECT_EQ(VxFormatNumber(u"-1234", text, room - 1), 0) << name;
+        EXPECT_EQ(text[0], u'-') << name;
+    }
+}
+
+TEST(Numbers, TextForAPersonKeepsToItsRoom)
+{
+    const OnlyLocale locale("en-US");
+    for (const char16_t* source : {u"ab 1234567", u"ab", u"000", u"-1234", u"1.5", u"a-b"})
+        ExpectBounded(FormatGroup(source, VXNUM_COUNT_DECIMALS), 1, Cut::GivesZero,
+                      [=](char16_t* text, int32_t capacity) {
+                          return VxFormatGroupDecimalNumber(source, text, capacity, VXNUM_COUNT_DECIMALS);
+                      });
+}
+
+TEST(Numbers, AnEmptyRecordHasNoSeparators)
+{
+    const VxInternationals kept = vx::g_internationals;
+    vx::g_internationals = {};
+    EXPECT_EQ(FormatNumber(u"1234567"), u"1234567");
+    const char16_t text[] = u"1,234.5";
+    const char16_t* end = nullptr;
+    EXPECT_EQ(VxTextToDWordToken(text, &end), 1u);
+    EXPECT_EQ(end, text + 1);
+    EXPECT_EQ(VxTextToDoubleToken(text, &end, 0), 1234.5);
+    vx::g_internationals = kept;
+}
+
+TEST(Numbers, TokensOfIntegers)
+{
+    const OnlyLocale locale("en-US");
+    const struct
+    {
+        const char16_t* text;
+        int end;
+        uint64_t unsigned64;
+        int64_t signed64;
+    } cases[] = {
+        {u"", 0, 0, 0},
+        {u"  ", 2, 0, 0},
+        {u"  1,234abc", 7, 1234, 1234},
+        {u"\t\u00A0\u3000\n7", 5, 7, 7},
+        {u"1,2,3", 5, 123, 123},
+        {u",,,5,", 5, 5, 5},
+        {u"12.7 9", 4, 12, 12},
+        {u"1.2.3x", 5, 1, 1},
+        {u".5", 2, 0, 0},
+        {u"-12", 3, 0, -12},
+        {u"-", 1, 0, 0},
+        {u"- 5", 1, 0, 0},
+        {u"--5", 1, 0, 0},
+        {u"+5", 0, 0, 0},
+        {u"5-3", 1, 5, 5},
+        {u"\u22125", 0, 0, 0},
+        {u"\u0661\u0662", 0, 0, 0},
+        {u"0x10", 1, 0, 0},
+        {u"007", 3, 7, 7},
+        {u"18446744073709551615", 20, kMax64, std::numeric_limits<int64_t>::max()},
+        {u"18446744073709551617", 20, 1, std::numeric_limits<int64_t>::max()},
+        {u"-9223372036854775808", 20, 0, kMin64},
+        {u"-9223372036854775809", 20, 0, kMin64},
+        {u"9223372036854775807", 19, uint64_t(std::numeric_limits<int64_t>::max()),
+         std::numeric_limits<int64_t>::max()},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(&c - cases);
+        const char16_t* end[4] = {};
+        EXPECT_EQ(VxTextToDWordLongToken(c.text, &end[0]), c.unsigned64);
+        EXPECT_EQ(VxTextToDWordToken(c.text, &end[1]), uint32_t(c.unsigned64));
+        EXPECT_EQ(VxTextToLongLongToken(c.text, &end[2]), c.signed64);
+        EXPECT_EQ(VxTextToLongToken(c.text, &end[3]),
+                  int32_t(std::clamp<int64_t>(c.signed64, kMin32, std::numeric_limits<int32_t>::max())));
+        for (const char16_t* e : end)
+            EXPECT_EQ(e - c.text, c.end);
+        EXPECT_EQ(VxTextToDWordLongToken(c.text, nullptr), c.unsigned64);
+    }
+}
+
+TEST(Numbers, ALongTokenReadsAsItsFirst63Characters)
+{
+    const OnlyLocale locale("en-US");
+    const std::u16string zeros(62, u'0');
+    const char16_t* end = nullptr;
+    const std::u16string fits = zeros + u"7", tooLong = zeros + u"78,9.5;", negative = u"-" + zeros + u"7";
+    EXPECT_EQ(VxTextToLongToken(fits.c_str(), &end), 7);
+    EXPECT_EQ(VxTextToLongToken(tooLong.c_str(), &end), 7);
+    EXPECT_EQ(*end, u';');
+    EXPECT_EQ(VxTextToLongToken(negative.c_str(), &end), 0);
+    EXPECT_EQ(*end, u'\0');
+    EXPECT_EQ(VxTextToDoubleToken(tooLong.c_str(), &end, 0), 7.0);
+}
+
+TEST(Numbers, TokensOfDoubles)
+{
+    const OnlyLocale locale("de-DE");
+    const struct
+    {
+        const char16_t* text;
+        double plain, localised;
+        int plainEnd, localisedEnd;
+    } cases[] = {
+        {u"1.234,5", 1.2345, 1234.5, 7, 7},
+        {u"-1,5x", -15, -1.5, 4, 4},
+        {u"1.2.3", 1.2, 123, 5, 5},
+        {u".5", 0.5, 5, 2, 2},
+        {u",5", 5, 0.5, 2, 2},
+        {u"5.", 5, 5, 2, 2},
+        {u"1e5", 1, 1, 1, 1},
+        {u"inf", 0, 0, 0, 0},
+        {u"-.", 0, 0, 2, 2},
+        {u"0.1", 0.1, 1, 3, 3},
+        {u"9007199254740993", 9007199254740992.0, 9007199254740992.0, 16, 16},
+    };
+    for (const auto& c : cases) {
+        const char16_t* end = nullptr;
+        EXPECT_EQ(VxTextToDoubleToken(c.text, &end, 0), c.plain) << &c - cases;
+        EXPECT_EQ(end - c.text, c.plainEnd) << &c - cases;
+        EXPECT_EQ(VxTextToDoubleToken(c.text, &end, 1), c.localised) << &c - cases;
+        EXPECT_EQ(end - c.text, c.localisedEnd) << &c - cases;
+    }
+}
+
+TEST(Numbers, SeparatorsOfSeveralCharacters)
+{
+    VxInternationals kept = vx::g_internationals;
+    VxInternationals& r = vx::g_internationals;
+    r = {};
+    const auto set = [](char16_t* text, uint32_t& length, std::u16string_view from) {
+        length = uint32_t(from.copy(text, 7));
+    };
+    set(r.hyphen, r.hyphenLength, u"-");
+    set(r.thousandsSeparator, r.thousandsSeparatorLength, u"::");
+    set(r.decimalSeparator, r.decimalSeparatorLength, u":,");
+    r.grouping = 3;
+    const char16_t* end = nullptr;
+    const char16_t text[] = u"1::234:,5:";
+    EXPECT_EQ(VxTextToDoubleToken(text, &end, 1), 1234.5);
+    EXPECT_EQ(end - text, 9); // half a separator is none
+    EXPECT_EQ(FormatGroup(u"1234.5", 1), u"1::234:,5");
+
+    // 18 digits with separators of 7 characters pass the bound of 64; the cut is terminated.
+    set(r.thousandsSeparator, r.thousandsSeparatorLength, u"_______");
+    std::u16string longText(80, u'#');
+    EXPECT_EQ(VxDWordLongToText(kMax64, longText.data(), 1), 62);
+    EXPECT_EQ(VxDoubleToText(longText.data(), 1e19, 9, 1), 63);
+    EXPECT_EQ(longText.find(u'#'), 64u);
+    r = kept;
+}
+
+TEST(Numbers, TokensOfHexadecimals)
+{
+    const struct
+    {
+        const char16_t* text;
+        int end;
+        uint64_t value;
+    } cases[] = {{u"0xFF,", 4, 255}, {u"ff", 2, 255},   {u" \t0XaBcDeF g", 10, 0xABCDEF},
+                 {u"", 0, 0},        {u"0x", 2, 0},     {u"xyz", 0, 0},
+                 {u"-1", 0, 0},      {u"1,2", 1, 1},    {u"123456789ABCDEF01", 17, 0x23456789ABCDEF01},
+                 {u"0x0x1", 3, 0},   {u"@G`g/:", 0, 0}, {u"\uFF11", 0, 0},
+                 {u"0\u0141", 1, 0}}; // its low byte is an A
+    for (const auto& c : cases) {
+        const char16_t* end = nullptr;
+        EXPECT_EQ(VxHexToDWordLongToken(c.text, &end), c.value) << &c - cases;
+        EXPECT_EQ(end - c.text, c.end) << &c - cases;
+        EXPECT_EQ(VxHexToDWordToken(c.text, nullptr), uint32_t(c.value)) << &c - cases;
+    }
+}
+
+// The rule is one; each function must hand it its own arguments in the right order.
+template <class T, class ReadEx>
+static void ExpectDefaultAndLimits(ReadEx readEx)
+{
+    const struct
+    {
+        const char16_t* text;
+        int defaultValue, minimum, maximum, want, end;
+    } cases[] = {
+        {u"xyz", 7, 0, 50, 7, 0}, // no number
+        {u"0;", 7, 0, 50, 7, 1},  // a zero with something behind it is none either
+        {u"0 ;", 7, 0, 50, 0, 1}, // but white space ends a number
+        {u"0\u3000", 7, 0, 50, 0, 1}, {u"", 7, 0, 50, 0, 0},
+        {u"  ", 7, 0, 50, 0, 2},      {u"  ", 7, 3, 50, 3, 2},
+        {u"9;", 7, 0, 50, 9, 1},      {u"xyz", 7, 8, 50, 8, 0}, // the default has the limits too
+        {u"xyz", 70, 0, 50, 50, 0},   {u"99", 7, 0, 50, 50, 2},
+        {u"30", 7, 40, 20, 40, 2}, // crossed limits: the minimum is first
+        {u"45", 7, 40, 20, 20, 2},
+    };
+    for (const auto& c : cases) {
+        const char16_t* end = nullptr;
+        EXPECT_EQ(readEx(c.text, T(c.defaultValue), T(c.minimum), T(c.maximum), &end), T(c.want))
+            << &c - cases;
+        EXPECT_EQ(end - c.text, c.end) << &c - cases;
+        EXPECT_EQ(readEx(c.text, T(c.defaultValue), T(c.minimum), T(c.maximum), nullptr), T(c.want));
+    }
+}
+
+TEST(Numbers, DefaultsAndLimits)
+{
+    const OnlyLocale locale("en-US");
+    ExpectDefaultAndLimits<uint32_t>(VxTextToDWordTokenEx);
+    ExpectDefaultAndLimits<uint64_t>(VxTextToDWordLongTokenEx);
+    ExpectDefaultAndLimits<int32_t>(VxTextToLongTokenEx);
+    ExpectDefaultAndLimits<int64_t>(VxTextToLongLongTokenEx);
+    for (const int32_t localised : {0, 1})
+        ExpectDefaultAndLimits<double>(
+            [=](const char16_t* text, double value, double low, double high, const char16_t** end) {
+                return VxTextToDoubleTokenEx(text, value, low, high, end, localised);
+            });
+    // Hexadecimal 9, 45 and 99 are other numbers, on the same side of the limits.
+    EXPECT_EQ(VxHexToDWordTokenEx(u"xyz", 7, 0, 50, nullptr), 7u);
+    EXPECT_EQ(VxHexToDWordTokenEx(u"10", 7, 0, 50, nullptr), 16u);
+    EXPECT_EQ(VxHexToDWordTokenEx(u"FF", 7, 0, 50, nullptr), 50u);
+    EXPECT_EQ(VxHexToDWordLongTokenEx(u"0x1ffffffff", 7, 0, kMax64, nullptr), 0x1FFFFFFFFu);
+    EXPECT_EQ(VxHexToDWordLongTokenEx(u"0;", 7, 8, 50, nullptr), 8u);
+
+    EXPECT_EQ(VxTextToLongTokenEx(u"-9", 0, -5, 5, nullptr), -5);
+    EXPECT_EQ(VxTextToDoubleTokenEx(u"-0;", 2.5, -1, 3, nullptr, 0), 2.5);
+    EXPECT_EQ(VxTextToDoubleTokenEx(u"0.25", 2.5, 0.5, 3, nullptr, 0), 0.5);
+}
+
+TEST(Numbers, FourCCs)
+{
+    char16_t text[6] = u"#####";
+    VxFourCCToString(0x34363248, text);
+    EXPECT_EQ(std::u16string(text), u"H264");
+    EXPECT_EQ(text[4], u'\0');
+    VxFourCCToString(0x7F7E1F00, text);
+    EXPECT_EQ(std::u16string(text), u"..~.");
+    VxFourCCToString(0xFF412020, text);
+    EXPECT_EQ(std::u16string(text), u"  A.");
+}
