@@ -7,6 +7,7 @@
 #include "vx/channels.h"
 #include "vx/composite.h"
 #include "vx/internationals.h"
+#include "vx/list.h"
 #include "vx/numbers.h"
 #include "vx/pixel.h"
 #include "vx/smpte.h"

@@ -12,7 +12,9 @@ namespace {
 // Allocations up to the one that fails, that one included; 0 while none is to fail.
 std::atomic<uint32_t> g_untilFailure{0};
 
-bool MustFail()
+} // namespace
+
+bool AllocationMustFail()
 {
     uint32_t left = g_untilFailure.load(std::memory_order_relaxed);
     while (left != 0)
@@ -21,12 +23,10 @@ bool MustFail()
     return false;
 }
 
-} // namespace
-
 void* AllocateBytes(size_t bytes, bool zeroed)
 {
     void* memory = nullptr;
-    if (MustFail() || posix_memalign(&memory, kBlockAlignment, bytes ? bytes : 1) != 0)
+    if (AllocationMustFail() || posix_memalign(&memory, kBlockAlignment, bytes ? bytes : 1) != 0)
         return nullptr;
     if (zeroed)
         std::memset(memory, 0, bytes);

@@ -13,4 +13,7 @@ constexpr size_t kBlockAlignment = 64; // a cache line, and the widest vector
 void* AllocateBytes(size_t bytes, bool zeroed);
 void ReleaseBytes(void* bytes);
 
+// Counts an allocation that takes its bytes elsewhere; true where it is the one to fail.
+bool AllocationMustFail();
+
 } // namespace vxplatform

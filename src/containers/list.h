@@ -1,0 +1,105 @@
+// What the list's sources share. Functions here expect the list's lock to be held.
+#pragma once
+
+#include "vx/list.h"
+#include "vx/platform/threads.h"
+
+#include <atomic>
+#include <cstddef>
+#include <cstring>
+
+namespace vx {
+
+inline bool IsArrayList(const tVXLIST& list)
+{
+    return (list.options & VXLIST_OPT_ARRAY) != 0;
+}
+
+inline bool IsHeapList(const tVXLIST& list)
+{
+    return (list.options & VXLIST_OPT_HEAPITEMS) != 0;
+}
+
+// Fields that functions without a lock read and write.
+template <class Word>
+std::atomic_ref<Word> Shared(const Word& field)
+{
+    return std::atomic_ref<Word>(const_cast<Word&>(field));
+}
+
+inline bool MayUse(const tVXLIST& list)
+{
+    return (list.options & (VXLIST_OPT_LOCKED | VXLIST_OPT_ANYTHREAD)) != 0 ||
+           Shared(list.ownerThread).load(std::memory_order_relaxed) == GetCurrentThreadId();
+}
+
+// One operation on a list: holds its lock, if it has one, for the scope. False where the calling
+// thread may not use the list.
+class ListScope
+{
+public:
+    explicit ListScope(tVXLIST* list) : list_(*list), allowed_(MayUse(list_))
+    {
+        if (list_.options & VXLIST_OPT_LOCKED)
+            EnterCriticalSection(&list_.lock);
+    }
+    ~ListScope()
+    {
+        if (list_.options & VXLIST_OPT_LOCKED)
+            LeaveCriticalSection(&list_.lock);
+    }
+    ListScope(const ListScope&) = delete;
+    ListScope& operator=(const ListScope&) = delete;
+
+    explicit operator bool() const { return allowed_; }
+
+private:
+    tVXLIST& list_;
+    const bool allowed_;
+};
+
+inline std::byte* SlotAt(const tVXLIST& list, int32_t index)
+{
+    return static_cast<std::byte*>(list.items) + uint64_t(uint32_t(index)) * list.itemSize;
+}
+
+inline void* PointerAt(const tVXLIST& list, int32_t index)
+{
+    void* pointer;
+    std::memcpy(&pointer, SlotAt(list, index), sizeof(pointer));
+    return pointer;
+}
+
+// What a callback gets for the item.
+inline void* ItemAt(const tVXLIST& list, int32_t index)
+{
+    return IsArrayList(list) ? SlotAt(list, index) : PointerAt(list, index);
+}
+
+inline bool IsIndex(const tVXLIST& list, int32_t index)
+{
+    return index >= 0 && index < list.count;
+}
+
+// Where an insertion at this index takes place.
+inline int32_t InsertIndex(const tVXLIST& list, int32_t index)
+{
+    return index < 0 || index > list.count ? list.count : index;
+}
+
+// list_storage.cpp
+HRESULT AllocateBlock(tVXLIST& list, int32_t initialSlots);
+void FreeBlock(tVXLIST& list);
+HRESULT GrowBlock(tVXLIST& list, int64_t extra);
+HRESULT InsertSlots(tVXLIST& list, int32_t index, const void* slots, int64_t n);
+void RemoveSlots(tVXLIST& list, int32_t first, int32_t n); // items are not freed
+
+// list_items.cpp
+HANDLE ItemHeap(const tVXLIST& list);
+void FreeItem(const tVXLIST& list, void* item);
+
+// list_search.cpp
+int32_t FindInsertIndex(const tVXLIST& list, const void* key, int32_t first, int32_t count,
+                        VxListCompare compare);
+
+} // namespace vx

@@ -1,0 +1,141 @@
+// Every allocation of every operation fails once: the status says so, the list is as before, and
+// nothing is lost (the leak checker looks).
+#include "containers/list_support.h"
+#include "vx/platform/testing.h"
+
+#include <functional>
+
+namespace {
+
+using namespace vxtest;
+
+// All that a host can see of a list.
+struct Snapshot
+{
+    std::vector<int64_t> values;
+    int32_t allocated;
+    const void *items, *pending;
+
+    explicit Snapshot(const List& list)
+        : values(list.Values()), allocated(list->allocated), items(list->items), pending(list->pendingItem)
+    {}
+    bool operator==(const Snapshot&) const = default;
+};
+
+// Runs the operation on lists of four items in four slots, with its first, second, ... allocation
+// failing, until it needs no more; returns how many failed.
+int FailEachAllocation(const ListKind& kind, int32_t moreSlots,
+                       const std::function<HRESULT(List&)>& operation)
+{
+    for (uint32_t nth = 1;; ++nth) {
+        List list(kind, {1, 2, 3, 4});
+        if (moreSlots) {
+            EXPECT_EQ(VxList_GrowAllocated(list, moreSlots), S_OK);
+        }
+        const Snapshot before(list);
+        VxPlatform_FailAllocationAt(nth);
+        const HRESULT status = operation(list);
+        VxPlatform_FailAllocationAt(0);
+        if (status == S_OK)
+            return int(nth) - 1;
+        EXPECT_EQ(status, E_OUTOFMEMORY);
+        EXPECT_TRUE(Snapshot(list) == before) << kind << ", allocation " << nth;
+    }
+}
+
+TEST(ListMemory, CreationLeavesNothingBehind)
+{
+    for (const ListKind& kind : kAllKinds)
+        for (const bool inPlace : {false, true}) {
+            int failures = 0;
+            HRESULT status = E_FAIL;
+            while (status != S_OK) {
+                tVXLIST record, *list = inPlace ? &record : nullptr;
+                const uint32_t options =
+                    kind.options | VXLIST_OPT_LOCKED | (inPlace ? VXLIST_OPT_INPLACE : 0);
+                VxPlatform_FailAllocationAt(uint32_t(failures) + 1);
+                status = VxList_CreateExZ(&list, 8, 0, 0, options, nullptr, 0, nullptr);
+                VxPlatform_FailAllocationAt(0);
+                if (status == S_OK) {
+                    EXPECT_EQ(VxList_Destroy(list), S_OK);
+                    break;
+                }
+                ++failures;
+                EXPECT_EQ(status, E_OUTOFMEMORY);
+                EXPECT_EQ(list, inPlace ? &record : nullptr);
+                EXPECT_FALSE(inPlace && VxList_IsListFast(&record));
+            }
+            const int heap = kind.options & VXLIST_OPT_PRIVATEHEAP ? 1 : 0;
+            EXPECT_EQ(failures, (inPlace ? 1 : 2) + heap) << kind;
+        }
+}
+
+TEST(ListMemory, FailedOperationsChangeNothing)
+{
+    int32_t index = 0;
+    void* item = nullptr;
+    for (const ListKind& kind : kAllKinds) {
+        EXPECT_EQ(FailEachAllocation(kind, 0, [](List& list) { return VxList_GrowAllocated(list, 1); }), 1);
+        // Most of a large block goes back, so that it moves.
+        EXPECT_EQ(FailEachAllocation(kind, 4000, [](List& list) { return VxList_ShrinkAllocated(list, -1); }),
+                  1);
+        EXPECT_EQ(FailEachAllocation(kind, 0, [](List& list) { return list.Insert(2, {9}); }),
+                  kind.IsHeap() ? 2 : 1);
+    }
+    for (const ListKind& kind : {kHeapItems, kPrivateHeap}) {
+        EXPECT_EQ(FailEachAllocation(kind, 0,
+                                     [&](List& list) {
+                                         return VxList_AllocItem(list, 8, &item) == S_OK
+                                                    ? VxList_DeleteList(list, -1, -1, 0)
+                                                    : E_OUTOFMEMORY;
+                                     }),
+                  1);
+        EXPECT_EQ(FailEachAllocation(kind, 0, [](List& list) { return VxList_ReAllocItem(list, 1, 3000); }),
+                  1);
+        index = 0;
+        EXPECT_EQ(FailEachAllocation(kind, 4,
+                                     [&](List& list) {
+                                         EXPECT_EQ(index, index == 0 ? 0 : -1);
+                                         return VxList_AllocAndInsertItem(list, nullptr, 8, 1, &index);
+                                     }),
+                  1);
+        EXPECT_EQ(index, 1);
+    }
+    EXPECT_EQ(
+        FailEachAllocation(kArray, 0, [](List& list) { return VxList_ArrayForceItemCount(list, 5, 0); }), 1);
+}
+
+TEST(ListMemory, MovesOfMoreThan512BytesNeedMemory)
+{
+    for (const int32_t n : {64, 65}) {
+        List list(kArray);
+        EXPECT_EQ(VxList_ArrayForceItemCount(list, 200, 0), S_OK);
+        VxPlatform_FailAllocationAt(1);
+        EXPECT_EQ(VxList_MoveRange(list, 0, 10, n), n == 64 ? S_OK : E_OUTOFMEMORY);
+        VxPlatform_FailAllocationAt(0);
+    }
+}
+
+TEST(ListMemory, FailedShrinkDoesNotFailTheDeletion)
+{
+    List list(kArray);
+    EXPECT_EQ(VxList_ArrayForceItemCount(list, 2000, 0), S_OK);
+    VxPlatform_FailAllocationAt(1);
+    EXPECT_EQ(VxList_DeleteList(list, 0, 1999, 1), S_OK);
+    VxPlatform_FailAllocationAt(0);
+    EXPECT_EQ(list->count, 1);
+    EXPECT_EQ(list->allocated, 2000);
+}
+
+TEST(ListMemory, AMoveBetweenListsThatStopsHasMovedTheLastItems)
+{
+    const List dst(kHeapItems, {1, 2}), src(kHeapItems, {11, 12, 13, 14, 15, 16, 17});
+    VxPlatform_FailAllocationAt(2); // four slots, two of them free, and one step more
+    EXPECT_EQ(VxList_MoveItemsBetweenHeapLists(dst, 1, src, 0, -1), E_OUTOFMEMORY);
+    VxPlatform_FailAllocationAt(0);
+    EXPECT_EQ(dst.Values(), (std::vector<int64_t>{1, 12, 13, 14, 15, 16, 17, 2}));
+    EXPECT_EQ(src.Values(), (std::vector<int64_t>{11}));
+    EXPECT_EQ(dst->pendingItem, nullptr);
+}
+
+} // namespace

@@ -1,0 +1,413 @@
+// Life, recognition, refusals and the record's words.
+#include "containers/list_support.h"
+
+#include "vx/platform/heap.h"
+#include "vx/platform/threads.h"
+
+#include <limits>
+#include <sys/mman.h>
+#include <thread>
+#include <unistd.h>
+
+namespace {
+
+using namespace vxtest;
+
+HRESULT Create(tVXLIST** list, uint64_t itemSize, int32_t slots, int32_t step, uint32_t options)
+{
+    return VxList_CreateExZ(list, itemSize, slots, step, options, nullptr, 0, nullptr);
+}
+
+TEST(ListLife, RoomAndSlotSizeAtCreation)
+{
+    const struct
+    {
+        uint32_t options;
+        uint64_t itemSize;
+        int32_t slots, step;
+        uint64_t wantSize;
+        int32_t wantAllocated, wantStep;
+    } cases[] = {
+        {0, 100, 1, 3, 8, 4, 4},
+        {0, 0, 0, 0, 8, 16, 16},
+        {VXLIST_OPT_HEAPITEMS, 100, -1, -5, 8, 16, 16},
+        {VXLIST_OPT_ARRAY, 6, 20, 16, 8, 32, 16},
+        {VXLIST_OPT_ARRAY, 1, 6, 5, 4, 10, 5},
+        {VXLIST_OPT_ARRAY, 12, 1, 100000, 12, 0x10400, 0x10400},
+        {VXLIST_OPT_ARRAY, 0, 3, 4, 0, 4, 4},
+    };
+    for (const auto& c : cases) {
+        tVXLIST* list = nullptr;
+        ASSERT_EQ(Create(&list, c.itemSize, c.slots, c.step, c.options), S_OK);
+        EXPECT_EQ(list->itemSize, c.wantSize);
+        EXPECT_EQ(list->allocated, c.wantAllocated);
+        EXPECT_EQ(list->growBy, c.wantStep);
+        EXPECT_EQ(list->count, 0);
+        EXPECT_EQ(VxList_GetCreateOptions(list), c.options | VXLIST_OPT_ANYTHREAD);
+        EXPECT_EQ(VxList_GetThreadOwner(list), GetCurrentThreadId());
+        EXPECT_EQ(VxList_AllocSize(list, -1), 136 + c.wantSize * uint64_t(c.wantAllocated));
+        EXPECT_EQ(VxList_Destroy(list), S_OK);
+    }
+}
+
+TEST(ListLife, CreationRefuses)
+{
+    tVXLIST* list = reinterpret_cast<tVXLIST*>(8);
+    EXPECT_EQ(Create(&list, 8, 1, 4, VXLIST_OPT_ARRAY | VXLIST_OPT_HEAPITEMS), E_FAIL);
+    EXPECT_EQ(list, nullptr);
+    EXPECT_EQ(Create(&list, 8, 1, 4, VXLIST_OPT_INPLACE), E_FAIL);
+    // More bytes than can be counted, and more slots.
+    EXPECT_EQ(Create(&list, uint64_t(1) << 62, 16, 16, VXLIST_OPT_ARRAY), E_OUTOFMEMORY);
+    EXPECT_EQ(Create(&list, uint64_t(1) << 59, 16, 16, VXLIST_OPT_ARRAY), E_OUTOFMEMORY);
+    EXPECT_EQ(Create(&list, 8, INT32_MAX, 16, 0), E_OUTOFMEMORY);
+    EXPECT_EQ(list, nullptr);
+    EXPECT_EQ(VxList_Destroy(nullptr), S_OK);
+}
+
+TEST(ListLife, InPlaceRecordIsTheHostsOwn)
+{
+    tVXLIST record;
+    std::memset(&record, 0xCC, sizeof(record));
+    tVXLIST* list = &record;
+    ASSERT_EQ(Create(&list, 0, 0, 0, VXLIST_OPT_INPLACE | VXLIST_OPT_LOCKED | VXLIST_OPT_HEAPITEMS), S_OK);
+    EXPECT_EQ(list, &record);
+    EXPECT_EQ(record.userData, 0);
+    EXPECT_EQ(record.pendingItem, nullptr);
+    EXPECT_TRUE(VxList_IsList(&record, 136));
+    EXPECT_EQ(VxList_AllocAndInsertItem(list, nullptr, 100, 0, nullptr), S_OK);
+    EXPECT_EQ(VxList_Destroy(list), S_OK);
+    EXPECT_EQ(record.items, nullptr);
+    EXPECT_FALSE(VxList_IsList(&record, 136));
+    EXPECT_FALSE(VxList_IsListFast(&record));
+}
+
+TEST(ListLife, RecognisesListsByAnyPointer)
+{
+    const List list(kArray);
+    EXPECT_EQ(VxList_IsList(list, 136), 1);
+    EXPECT_EQ(VxList_IsListFast(list), 1);
+    for (const int32_t size : {0, 135, 137, -136})
+        EXPECT_EQ(VxList_IsList(list, size), 0) << size;
+    EXPECT_EQ(VxList_IsList(nullptr, 136), 0);
+    EXPECT_EQ(VxList_IsList(reinterpret_cast<void*>(0x1230), 136), 0);
+
+    // A record whose tag can be read, but whose last bytes cannot.
+    const size_t page = size_t(sysconf(_SC_PAGESIZE));
+    char* pages = static_cast<char*>(
+        mmap(nullptr, 2 * page, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
+    char* cut = pages + page - 128;
+    std::memcpy(cut, list, 128);
+    EXPECT_EQ(VxList_IsList(cut, 136), 1);
+    mprotect(pages + page, page, PROT_NONE);
+    EXPECT_EQ(VxList_IsList(cut, 136), 0);
+    EXPECT_EQ(VxList_IsListFast(cut), 1);
+    munmap(pages, 2 * page);
+}
+
+TEST(ListLife, ConvertsInPlaceWithItemsWordsAndLock)
+{
+    for (const ListKind& kind : kAllKinds) {
+        List list(kind, {1, 2, 3}, 4, VXLIST_OPT_LOCKED);
+        VxList_SetUserData(list, -5);
+        tVXLIST record;
+        std::memset(&record, 0xCC, sizeof(record));
+        const void* items = list->items;
+        ASSERT_EQ(VxList_ConvertToInPlace(&list.Pointer(), &record), S_OK);
+        EXPECT_EQ(list.Pointer(), nullptr);
+        list.Pointer() = &record;
+        EXPECT_EQ(record.items, items);
+        EXPECT_EQ(VxList_GetUserData(list), -5);
+        EXPECT_EQ(list.Insert(0, {7}), S_OK);
+        EXPECT_EQ(list.Values(), (std::vector<int64_t>{7, 1, 2, 3})) << kind;
+
+        tVXLIST other;
+        EXPECT_EQ(VxList_ConvertToInPlace(&list.Pointer(), &other), E_FAIL) << "is in place already";
+        EXPECT_EQ(list.Pointer(), &record);
+    }
+    tVXLIST record{}, noList{}, *none = nullptr, *wrong = &noList;
+    List list(kArray);
+    EXPECT_EQ(VxList_ConvertToInPlace(nullptr, &record), E_INVALIDARG);
+    EXPECT_EQ(VxList_ConvertToInPlace(&none, &record), E_INVALIDARG);
+    EXPECT_EQ(VxList_ConvertToInPlace(&wrong, &record), E_INVALIDARG);
+    EXPECT_EQ(VxList_ConvertToInPlace(&list.Pointer(), nullptr), E_INVALIDARG);
+}
+
+TEST(ListLife, OwnerCheckRefusesOtherThreads)
+{
+    for (const ListKind& kind : kAllKinds) {
+        List list(kind, {1, 2}), other(kind, {3});
+        list->options &= ~VXLIST_OPT_ANYTHREAD;
+        VxList_SetUserData(list, 4);
+        const std::vector<int64_t> before = list.Values();
+        std::jthread([&] {
+            void* item = &item;
+            int32_t index = 5;
+            const auto match = [](int64_t, const void*) { return 0; };
+            tVXLIST record, *pointer = list;
+            EXPECT_EQ(VxList_InsertList(list, 0, &item, -1), E_FAIL);
+            EXPECT_EQ(VxList_DeleteList(list, 0, 1, 0), E_FAIL);
+            EXPECT_EQ(VxList_DeleteList(list, 0, 0, 0), E_FAIL);
+            EXPECT_EQ(VxList_MoveRange(list, 0, 1, 1), E_FAIL);
+            EXPECT_EQ(VxList_GrowAllocated(list, 1), E_FAIL);
+            EXPECT_EQ(VxList_ShrinkAllocated(list, 1), E_FAIL);
+            EXPECT_EQ(VxList_ArrayForceItemCount(list, 1, 0), E_FAIL);
+            EXPECT_EQ(VxList_AllocItem(list, 8, &item), E_FAIL);
+            EXPECT_EQ(item, nullptr);
+            EXPECT_EQ(VxList_AllocAndInsertItem(list, nullptr, 8, 0, &index), E_FAIL);
+            EXPECT_EQ(index, -1);
+            EXPECT_EQ(VxList_ReAllocItem(list, 0, 8), E_FAIL);
+            EXPECT_EQ(VxList_AllocSize(list, 0), 0u);
+            EXPECT_EQ(VxList_MoveItemsBetweenHeapLists(list, 0, other, 0, 1), E_FAIL);
+            EXPECT_EQ(VxList_MoveItemsBetweenHeapLists(other, 0, list, 0, 1), E_FAIL);
+            EXPECT_EQ(VxList_ConvertToInPlace(&pointer, &record), E_FAIL);
+            EXPECT_EQ(VxList_Sort(list, 9, CompareOf(kind)), E_FAIL);
+            EXPECT_EQ(VxList_HeapSort(list, 9, CompareOf(kind)), E_FAIL);
+            EXPECT_EQ(VxList_SortTo(list, other, 9, CompareOf(kind)), E_FAIL);
+            EXPECT_EQ(VxList_SortTo(other, list, 9, CompareOf(kind)), E_FAIL);
+            EXPECT_EQ(VxList_FindItemRange(list, 0, -1, 0, match), -1);
+            EXPECT_EQ(VxList_FindSpecificItemRange(list, 0, -1, list->items), -1);
+            EXPECT_EQ(VxList_FindSortedItemRange(list, list->items, 0, -1, CompareOf(kind)), -1);
+            EXPECT_EQ(VxList_FindSortedInsertIndexRange(list, list->items, 0, -1, CompareOf(kind)), -1);
+            EXPECT_EQ(VxList_SetUserData(list, 8), 0xFFFFFFFF);
+            EXPECT_EQ(VxList_GetUserData(list), 0xFFFFFFFF);
+            EXPECT_EQ(VxList_IsValidIndexSlow(list, 0), 0);
+            EXPECT_EQ(VxList_Destroy(list), E_FAIL);
+        }).join();
+        EXPECT_EQ(list.Values(), before) << kind;
+        EXPECT_EQ(VxList_GetUserData(list), 4);
+        EXPECT_EQ(VxList_GetSortCriteria(list), 0);
+        EXPECT_EQ(VxList_GetSortCriteria(other), 0);
+
+        std::jthread([&] {
+            EXPECT_EQ(VxList_SetThreadOwner(list, 0), S_OK);
+            EXPECT_EQ(VxList_GetThreadOwner(list), GetCurrentThreadId());
+            EXPECT_EQ(VxList_SetUserData(list, 8), 4);
+        }).join();
+        EXPECT_EQ(VxList_GetUserData(list), 0xFFFFFFFF);
+        EXPECT_EQ(VxList_SetThreadOwner(list, GetCurrentThreadId()), S_OK);
+        EXPECT_EQ(VxList_GetUserData(list), 8);
+    }
+}
+
+TEST(List, WordsOfTheRecord)
+{
+    List list(kPointers, {1, 2, 3});
+    char16_t text[] = u"x";
+    EXPECT_EQ(VxList_GetFileAndLine(list, text), 0xFFFFFFFFu);
+    EXPECT_EQ(text[0], u'\0');
+    const int64_t wide = std::numeric_limits<int64_t>::min();
+    EXPECT_EQ(VxList_SetUserData(list, wide), 0);
+    EXPECT_EQ(VxList_SetUserData(list, 1), wide);
+    for (const int32_t index : {-1, 3, INT32_MAX, INT32_MIN})
+        EXPECT_EQ(VxList_IsValidIndexSlow(list, index), 0) << index;
+    for (const int32_t index : {0, 2})
+        EXPECT_EQ(VxList_IsValidIndexSlow(list, index), 1) << index;
+}
+
+TEST(List, InsertionRefuses)
+{
+    const int64_t value = 1;
+    for (const ListKind& kind : kAllKinds) {
+        List list(kind, {5, 6});
+        EXPECT_EQ(VxList_InsertList(list, 0, nullptr, -1), E_FAIL) << "nothing is pending";
+        for (const int32_t n : {-2, 0, 1})
+            EXPECT_EQ(VxList_InsertList(list, 0, nullptr, n), E_FAIL) << n;
+        for (const int32_t n : {0, 1})
+            EXPECT_EQ(VxList_InsertList(list, 0, kind.IsHeap() ? &value : nullptr, n), E_FAIL) << kind << n;
+        for (const int32_t n : {INT32_MAX, INT32_MIN})
+            if (n < 0 || !kind.IsHeap()) {
+                EXPECT_EQ(VxList_InsertList(list, 0, &value, n), E_OUTOFMEMORY) << kind << n;
+            }
+        EXPECT_EQ(list.Values(), (std::vector<int64_t>{5, 6})) << kind;
+    }
+}
+
+TEST(List, DeletionAnswers)
+{
+    const struct
+    {
+        int32_t first, n;
+        HRESULT status;
+        std::vector<int64_t> left;
+    } cases[] = {
+        {5, 1, E_FAIL, {1, 2, 3}}, {3, 1, E_FAIL, {1, 2, 3}},   {-1, 1, E_FAIL, {1, 2, 3}},
+        {-1, 0, S_OK, {1, 2, 3}},  {5, 0, S_OK, {1, 2, 3}},     {5, -1, S_OK, {1, 2, 3}},
+        {0, -1, S_OK, {}},         {1, -9, S_OK, {1}},          {1, 1, S_OK, {1, 3}},
+        {1, INT32_MAX, S_OK, {1}}, {-1, -1, E_FAIL, {1, 2, 3}}, {INT32_MAX, -1, S_OK, {1, 2, 3}},
+    };
+    for (const ListKind& kind : kAllKinds)
+        for (const auto& c : cases) {
+            const List list(kind, {1, 2, 3});
+            EXPECT_EQ(VxList_DeleteList(list, c.first, c.n, 0), c.status)
+                << kind << ": " << c.first << ", " << c.n;
+            EXPECT_EQ(list.Values(), c.left) << kind << ": " << c.first << ", " << c.n;
+            EXPECT_EQ(VxList_DeleteList(list, 0, -1, 0), S_OK);
+            EXPECT_EQ(VxList_DeleteList(list, 0, -1, 0), S_OK) << "empty already";
+        }
+}
+
+TEST(List, MoveAnswers)
+{
+    const struct
+    {
+        int32_t from, to, n;
+        HRESULT status;
+        std::vector<int64_t> order;
+    } cases[] = {
+        {0, 2, 2, S_OK, {3, 4, 1, 2, 5}},           {3, 0, 2, S_OK, {4, 5, 1, 2, 3}},
+        {2, -7, 1, S_OK, {3, 1, 2, 4, 5}},          {0, 3, -1, S_OK, {3, 4, 5, 1, 2}},
+        {0, 4, 2, E_FAIL, {1, 2, 3, 4, 5}},         {4, 0, 2, E_FAIL, {1, 2, 3, 4, 5}},
+        {1, 1, 99, S_OK, {1, 2, 3, 4, 5}},          {9, 2, 0, S_OK, {1, 2, 3, 4, 5}},
+        {9, 2, -1, S_OK, {1, 2, 3, 4, 5}},          {-1, 2, 0, E_INVALIDARG, {1, 2, 3, 4, 5}},
+        {1, 2, INT32_MAX, E_FAIL, {1, 2, 3, 4, 5}}, {INT32_MAX, 0, 1, E_FAIL, {1, 2, 3, 4, 5}},
+    };
+    for (const auto& c : cases) {
+        const List list(kWideArray, {1, 2, 3, 4, 5});
+        EXPECT_EQ(VxList_MoveRange(list, c.from, c.to, c.n), c.status)
+            << c.from << ", " << c.to << ", " << c.n;
+        EXPECT_EQ(list.Values(), c.order) << c.from << ", " << c.to << ", " << c.n;
+    }
+}
+
+TEST(List, ShrinksByWholeSpareSteps)
+{
+    const struct
+    {
+        int32_t count, release, left; // of 64 slots, in steps of 16
+    } cases[] = {
+        {0, -1, 0}, {47, -1, 48}, {48, -1, 48}, {49, -1, 64}, {0, 0, 64},        {0, 1, 48},   {0, 17, 32},
+        {0, 64, 0}, {0, 999, 0},  {33, 17, 48}, {60, 1, 64},  {0, INT32_MAX, 0}, {16, 33, 16}, {40, 9, 48},
+    };
+    for (const auto& c : cases) {
+        tVXLIST* list = nullptr;
+        ASSERT_EQ(Create(&list, 4, 64, 16, VXLIST_OPT_ARRAY), S_OK);
+        EXPECT_EQ(VxList_ArrayForceItemCount(list, c.count, 0), S_OK);
+        EXPECT_EQ(VxList_ShrinkAllocated(list, c.release), S_OK);
+        EXPECT_EQ(list->allocated, c.left) << c.count << " used, " << c.release;
+        EXPECT_EQ(VxList_AllocSize(list, -1), 136u + 4u * unsigned(std::max(c.left, 1)));
+        const int32_t value = 5;
+        EXPECT_EQ(VxList_InsertList(list, -1, &value, 1), S_OK) << "grows from nothing";
+        EXPECT_EQ(VxList_Destroy(list), S_OK);
+    }
+}
+
+TEST(List, DeletionAndForcedCountShrinkWhenMoreThanOneStepIsSpare)
+{
+    for (const bool forced : {false, true})
+        for (const auto& [count, left] : {std::pair(16, 32), std::pair(15, 16), std::pair(17, 32)}) {
+            tVXLIST* list = nullptr;
+            ASSERT_EQ(Create(&list, 4, 32, 16, VXLIST_OPT_ARRAY), S_OK);
+            EXPECT_EQ(VxList_ArrayForceItemCount(list, 32, 0), S_OK);
+            EXPECT_EQ(forced ? VxList_ArrayForceItemCount(list, count, 1)
+                             : VxList_DeleteList(list, count, -1, 1),
+                      S_OK);
+            EXPECT_EQ(list->count, count);
+            EXPECT_EQ(list->allocated, left) << count << (forced ? " forced" : " deleted");
+            EXPECT_EQ(VxList_Destroy(list), S_OK);
+        }
+}
+
+TEST(List, ForcedCountLeavesTheSlots)
+{
+    List list(kArray, {1, 2, 3}, 4);
+    EXPECT_EQ(VxList_ArrayForceItemCount(list, 1, 0), S_OK);
+    EXPECT_EQ(VxList_ArrayForceItemCount(list, 6, 0), S_OK);
+    EXPECT_EQ(list.Values(), (std::vector<int64_t>{1, 2, 3, 0, 0, 0}));
+    EXPECT_EQ(list->allocated, 8);
+    EXPECT_EQ(VxList_ArrayForceItemCount(list, -1, 0), E_INVALIDARG);
+    EXPECT_EQ(VxList_ArrayForceItemCount(list, INT32_MAX, 0), E_OUTOFMEMORY);
+    EXPECT_EQ(list->count, 6);
+    for (const ListKind& kind : {kPointers, kHeapItems})
+        EXPECT_EQ(VxList_ArrayForceItemCount(List(kind), 0, 0), E_FAIL);
+}
+
+TEST(ListItems, OnePendsUntilInsertedOrDropped)
+{
+    for (const ListKind& kind : {kHeapItems, kPrivateHeap}) {
+        List list(kind, {1, 2});
+        void *first = nullptr, *second = &first;
+        ASSERT_EQ(VxList_AllocItem(list, 40, &first), S_OK);
+        for (int i = 0; i < 40; ++i)
+            EXPECT_EQ(static_cast<char*>(first)[i], 0);
+        int32_t index = 7;
+        EXPECT_EQ(VxList_AllocItem(list, 8, &second), E_FAIL);
+        EXPECT_EQ(second, nullptr);
+        EXPECT_EQ(VxList_AllocAndInsertItem(list, nullptr, 8, 0, &index), E_FAIL);
+        EXPECT_EQ(index, -1);
+        EXPECT_EQ(list->pendingItem, first);
+        EXPECT_EQ(list->count, 2);
+        std::memset(first, 9, 8);
+        EXPECT_EQ(VxList_InsertList(list, 1, nullptr, -1), S_OK);
+        EXPECT_EQ(list.Pointer(1), first);
+        EXPECT_EQ(VxList_AllocItem(list, 0, &first), S_OK);
+        EXPECT_EQ(VxList_DeleteList(list, -1, -1, 0), S_OK);
+        EXPECT_EQ(VxList_DeleteList(list, -1, -1, 0), E_FAIL);
+        EXPECT_EQ(list.Values(), (std::vector<int64_t>{1, 0x0909090909090909, 2})) << kind;
+    }
+    const List dropped(kPrivateHeap); // its pending item goes with the heap
+    void* item;
+    EXPECT_EQ(VxList_AllocItem(dropped, 100, &item), S_OK);
+    EXPECT_EQ(VxList_AllocItem(List(kPointers), 8, &item), E_FAIL);
+    EXPECT_EQ(VxList_AllocItem(List(kHeapItems), -1, &item), E_OUTOFMEMORY);
+}
+
+TEST(ListItems, ResizingKeepsBytesAndSizesAreTold)
+{
+    for (const ListKind& kind : {kHeapItems, kPrivateHeap}) {
+        List list(kind, {11, 22, 33});
+        EXPECT_EQ(VxList_ReAllocItem(list, 1, 5000), S_OK);
+        EXPECT_GE(VxList_AllocSize(list, 1), 5000u);
+        if (kind.options & VXLIST_OPT_PRIVATEHEAP) {
+            EXPECT_EQ(VxList_AllocSize(list, 1), 5000u);
+            EXPECT_EQ(static_cast<char*>(list.Pointer(1))[4999], 0);
+        }
+        uint64_t sum = 136 + uint64_t(list->allocated) * 8;
+        for (int32_t i = 0; i < 3; ++i)
+            sum += VxList_AllocSize(list, i);
+        EXPECT_EQ(VxList_AllocSize(list, -1), sum);
+        EXPECT_EQ(VxList_AllocSize(list, 3), 0u);
+        EXPECT_EQ(VxList_ReAllocItem(list, 1, 8), S_OK);
+        EXPECT_EQ(list.Values(), (std::vector<int64_t>{11, 22, 33}));
+        EXPECT_EQ(VxList_ReAllocItem(list, 2, 0), S_OK);
+        EXPECT_NE(list.Pointer(2), nullptr);
+        for (const int32_t index : {-1, 3})
+            EXPECT_EQ(VxList_ReAllocItem(list, index, 8), E_FAIL);
+    }
+    EXPECT_EQ(VxList_ReAllocItem(List(kPointers, {1}), 0, 8), E_FAIL);
+    EXPECT_EQ(VxList_AllocSize(List(kPointers, {1}), 0), 8u);
+    EXPECT_EQ(VxList_AllocSize(List(kWideArray, {1}), 0), 20u);
+}
+
+TEST(ListItems, MoveBetweenHeapLists)
+{
+    const struct
+    {
+        int32_t dstIndex, srcIndex, n;
+        HRESULT status;
+        std::vector<int64_t> dst, src;
+    } cases[] = {
+        {1, 1, 2, S_OK, {1, 12, 13, 2}, {11, 14}},    {-1, 0, -1, S_OK, {1, 2, 11, 12, 13, 14}, {}},
+        {99, 0, 2, S_OK, {1, 2, 11, 12}, {13, 14}},   {0, 3, 1, S_OK, {14, 1, 2}, {11, 12, 13}},
+        {0, 99, 0, S_OK, {1, 2}, {11, 12, 13, 14}},   {0, 1, -1, E_FAIL, {1, 2}, {11, 12, 13, 14}},
+        {0, -1, 1, E_FAIL, {1, 2}, {11, 12, 13, 14}}, {0, 2, INT32_MAX, E_FAIL, {1, 2}, {11, 12, 13, 14}},
+    };
+    for (const uint32_t lock : {0u, VXLIST_OPT_LOCKED})
+        for (const auto& c : cases) {
+            const List dst(kHeapItems, {1, 2}, 4, lock), src(kHeapItems, {11, 12, 13, 14}, 4, lock);
+            EXPECT_EQ(VxList_MoveItemsBetweenHeapLists(dst, c.dstIndex, src, c.srcIndex, c.n), c.status);
+            EXPECT_EQ(dst.Values(), c.dst);
+            EXPECT_EQ(src.Values(), c.src);
+            EXPECT_EQ(VxList_GetCreateOptions(src) & VXLIST_OPT_HEAPITEMS, VXLIST_OPT_HEAPITEMS);
+        }
+    const List heap(kHeapItems, {1}), other(kHeapItems, {2}), pointers(kPointers, {3});
+    EXPECT_EQ(VxList_MoveItemsBetweenHeapLists(heap, 0, pointers, 0, 1), E_FAIL);
+    EXPECT_EQ(VxList_MoveItemsBetweenHeapLists(pointers, 0, heap, 0, 1), E_FAIL);
+    EXPECT_EQ(VxList_MoveItemsBetweenHeapLists(heap, 0, heap, 0, 1), E_FAIL);
+    void* pending;
+    EXPECT_EQ(VxList_AllocItem(heap, 8, &pending), S_OK);
+    EXPECT_EQ(VxList_MoveItemsBetweenHeapLists(heap, 0, other, 0, 1), E_FAIL);
+    EXPECT_EQ(heap->pendingItem, pending);
+    EXPECT_EQ(VxList_DeleteList(heap, -1, -1, 0), S_OK);
+}
+
+} // namespace
