@@ -70,11 +70,30 @@ inline void* PointerAt(const tVXLIST& list, int32_t index)
     return pointer;
 }
 
-// What a callback gets for the item.
-inline void* ItemAt(const tVXLIST& list, int32_t index)
+// Items as callbacks get them. A callback does not change the list, so the record is read once.
+class Items
 {
-    return IsArrayList(list) ? SlotAt(list, index) : PointerAt(list, index);
-}
+public:
+    explicit Items(const tVXLIST& list)
+        : slots_(static_cast<const std::byte*>(list.items)), slotBytes_(list.itemSize),
+          inSlots_(IsArrayList(list))
+    {}
+
+    const void* operator[](int32_t index) const
+    {
+        const std::byte* slot = slots_ + uint64_t(uint32_t(index)) * slotBytes_;
+        if (inSlots_)
+            return slot;
+        const void* pointer;
+        std::memcpy(&pointer, slot, sizeof(pointer));
+        return pointer;
+    }
+
+private:
+    const std::byte* const slots_;
+    const uint64_t slotBytes_;
+    const bool inSlots_;
+};
 
 inline bool IsIndex(const tVXLIST& list, int32_t index)
 {

@@ -27,28 +27,26 @@ struct Place
 
 // The range holds at least one item. Callers rely on the order and number of the comparisons: the
 // lower middle of an even range is probed, the first equal item ends the search, and a last single
-// item is compared once.
+// item is compared once. The steps to either side are selected without a branch, which would be
+// mispredicted every other time.
 Place FindPlace(const tVXLIST& list, const void* key, Range range, VxListCompare compare)
 {
+    const Items items(list);
+    const int64_t criteria = list.sortCriteria;
     int32_t low = range.first;
-    int32_t high = range.first + range.count - 1;
-    int32_t count = range.count;
-    while (count / 2 != 0) {
-        const int32_t probe = low + (count - 1) / 2;
-        const int32_t order = compare(list.sortCriteria, key, ItemAt(list, probe));
+    uint32_t count = uint32_t(range.count);
+    while (count > 1) {
+        const int32_t probe = low + int32_t((count - 1) / 2);
+        const int32_t order = compare(criteria, key, items[probe]);
         if (order == 0)
             return {probe, true};
-        if (order < 0) {
-            high = probe - 1;
-            count = (count - 1) / 2;
-        } else {
-            low = probe + 1;
-            count /= 2;
-        }
-        if (low > high)
-            return {low, false};
+        const bool below = order < 0;
+        low = below ? low : probe + 1;
+        count = (count - below) / 2;
     }
-    const int32_t order = compare(list.sortCriteria, key, ItemAt(list, low));
+    if (count == 0)
+        return {low, false};
+    const int32_t order = compare(criteria, key, items[low]);
     return {order > 0 ? low + 1 : low, order == 0};
 }
 
@@ -81,8 +79,8 @@ int32_t VxList_FindItemRange(tVXLIST* list, int32_t first, int32_t count, int64_
     const ListScope scope(list);
     if (!scope)
         return -1;
-    return FindFirst(ClipRange(*list, first, count),
-                     [&](int32_t i) { return match(word, ItemAt(*list, i)) == 0; });
+    const Items items(*list);
+    return FindFirst(ClipRange(*list, first, count), [&](int32_t i) { return match(word, items[i]) == 0; });
 }
 
 int32_t VxList_FindSpecificItemRange(tVXLIST* list, int32_t first, int32_t count, const void* item)

@@ -10,11 +10,13 @@ namespace {
 class Sorter
 {
 public:
-    Sorter(const tVXLIST& list, VxListCompare compare) : list_(list), compare_(compare) {}
+    Sorter(const tVXLIST& list, VxListCompare compare)
+        : list_(list), items_(list), criteria_(list.sortCriteria), compare_(compare)
+    {}
 
     bool Greater(int32_t left, int32_t right) const
     {
-        return compare_(list_.sortCriteria, ItemAt(list_, left), ItemAt(list_, right)) > 0;
+        return compare_(criteria_, items_[left], items_[right]) > 0;
     }
 
     void Swap(int32_t a, int32_t b) const
@@ -38,6 +40,8 @@ private:
     }
 
     const tVXLIST& list_;
+    const Items items_;
+    const int64_t criteria_;
     const VxListCompare compare_;
 };
 
@@ -90,7 +94,7 @@ bool BeginSort(tVXLIST& list, int64_t criteria, VxListCompare compare)
 // The place is looked up and taken in two steps, each under the lock of its own.
 void InsertSorted(tVXLIST& dst, const tVXLIST& src, int32_t index, VxListCompare compare)
 {
-    const int32_t place = VxList_FindSortedInsertIndexRange(&dst, ItemAt(src, index), 0, -1, compare);
+    const int32_t place = VxList_FindSortedInsertIndexRange(&dst, Items(src)[index], 0, -1, compare);
     VxList_InsertList(&dst, place, SlotAt(src, index), 1);
 }
 

@@ -53,6 +53,15 @@ void ShrinkIfAsked(tVXLIST& list, int32_t shrink)
         ShrinkBlock(list, -1);
 }
 
+// One slot of a pointer list, and of most array lists, is copied without a call.
+void CopySlots(void* to, const void* from, size_t bytes)
+{
+    if (bytes == sizeof(uint64_t))
+        std::memcpy(to, from, sizeof(uint64_t));
+    else
+        std::memcpy(to, from, bytes);
+}
+
 HRESULT DeletePendingItem(tVXLIST& list)
 {
     if (!list.pendingItem)
@@ -100,7 +109,7 @@ HRESULT InsertSlots(tVXLIST& list, int32_t index, const void* slots, int64_t n)
     std::byte* gap = SlotAt(list, at);
     if (at != list.count)
         std::memmove(gap + bytes, gap, size_t(list.count - at) * list.itemSize);
-    std::memcpy(gap, slots, bytes);
+    CopySlots(gap, slots, bytes);
     list.count += int32_t(n);
     list.pendingItem = nullptr;
     return S_OK;

@@ -106,7 +106,7 @@ HGLOBAL EnterBlock(const Block& block)
 }
 
 // Puts other bytes behind a handle. A fixed block gets the new address as its handle.
-HGLOBAL ReplaceData(HGLOBAL handle, Block& block, void* data, SIZE_T bytes)
+HGLOBAL ReplaceData(HGLOBAL handle, Block& block, void* data, SIZE_T bytes, SIZE_T room)
 {
     const HGLOBAL newHandle = block.movable ? handle : data;
     if (!EnterData(data, newHandle))
@@ -114,7 +114,8 @@ HGLOBAL ReplaceData(HGLOBAL handle, Block& block, void* data, SIZE_T bytes)
     void* const old = block.data.Address();
     Table().handleByData.erase(block.data);
     block.data = data;
-    block.bytes = block.room = bytes;
+    block.bytes = bytes;
+    block.room = room;
     if (newHandle != handle) {
         auto entry = Table().byHandle.extract(handle);
         entry.key() = newHandle;
@@ -132,9 +133,19 @@ HGLOBAL ResizeInPlace(HGLOBAL handle, Block& block, SIZE_T bytes, bool zeroed)
     return handle;
 }
 
+// A block that has to move to grow gets half as much again, up to a limit: who adds a little again and
+// again has each byte copied a few times, not at every step.
+SIZE_T RoomFor(const Block& block, SIZE_T bytes)
+{
+    constexpr SIZE_T kMostSpare = SIZE_T(64) << 20;
+    const bool grows = block.room != 0 && bytes > block.room;
+    return grows && bytes <= SIZE_T(PTRDIFF_MAX) ? bytes + std::min(bytes / 2, kMostSpare) : bytes;
+}
+
 HGLOBAL ResizeByMove(HGLOBAL handle, Block& block, SIZE_T bytes, bool zeroed)
 {
-    void* const data = AllocateBytes(bytes, false);
+    const SIZE_T room = RoomFor(block, bytes);
+    void* const data = AllocateBytes(room, false);
     if (!data)
         return Fail<HGLOBAL>(ERROR_NOT_ENOUGH_MEMORY, nullptr);
     const SIZE_T kept = std::min(bytes, block.bytes);
@@ -142,7 +153,7 @@ HGLOBAL ResizeByMove(HGLOBAL handle, Block& block, SIZE_T bytes, bool zeroed)
         std::memcpy(data, block.data.Address(), kept);
     if (zeroed)
         std::memset(static_cast<uint8_t*>(data) + kept, 0, bytes - kept);
-    const HGLOBAL newHandle = ReplaceData(handle, block, data, bytes);
+    const HGLOBAL newHandle = ReplaceData(handle, block, data, bytes, room);
     if (!newHandle)
         ReleaseBytes(data);
     return newHandle;
@@ -152,7 +163,7 @@ HGLOBAL Resize(HGLOBAL handle, Block& block, SIZE_T bytes, UINT flags)
 {
     const bool zeroed = (flags & GMEM_ZEROINIT) != 0;
     if (block.movable && bytes == 0)
-        return block.locks == 0 ? ReplaceData(handle, block, nullptr, 0)
+        return block.locks == 0 ? ReplaceData(handle, block, nullptr, 0, 0)
                                 : Fail<HGLOBAL>(ERROR_NOT_ENOUGH_MEMORY, nullptr);
     const bool mayMove = (flags & GMEM_MOVEABLE) != 0 || (block.movable && block.locks == 0);
     // Shrinking by more than half gives memory back where the block may move.

@@ -4,6 +4,7 @@
 #include "vx/platform/testing.h"
 
 #include <functional>
+#include <numeric>
 
 namespace {
 
@@ -129,13 +130,22 @@ TEST(ListMemory, FailedShrinkDoesNotFailTheDeletion)
 
 TEST(ListMemory, AMoveBetweenListsThatStopsHasMovedTheLastItems)
 {
-    const List dst(kHeapItems, {1, 2}), src(kHeapItems, {11, 12, 13, 14, 15, 16, 17});
-    VxPlatform_FailAllocationAt(2); // four slots, two of them free, and one step more
-    EXPECT_EQ(VxList_MoveItemsBetweenHeapLists(dst, 1, src, 0, -1), E_OUTOFMEMORY);
-    VxPlatform_FailAllocationAt(0);
-    EXPECT_EQ(dst.Values(), (std::vector<int64_t>{1, 12, 13, 14, 15, 16, 17, 2}));
-    EXPECT_EQ(src.Values(), (std::vector<int64_t>{11}));
-    EXPECT_EQ(dst->pendingItem, nullptr);
+    for (const uint32_t nth : {1u, 2u, 3u}) {
+        List dst(kHeapItems, {1, 2}), src(kHeapItems);
+        std::vector<int64_t> all(100);
+        std::iota(all.begin(), all.end(), 11);
+        EXPECT_EQ(src.Insert(0, all), S_OK);
+        VxPlatform_FailAllocationAt(nth);
+        EXPECT_EQ(VxList_MoveItemsBetweenHeapLists(dst, 1, src, 0, -1), E_OUTOFMEMORY);
+        VxPlatform_FailAllocationAt(0);
+        const int32_t left = src->count;
+        EXPECT_TRUE(left > 0 && left <= 98) << left; // two slots of dst were free
+        EXPECT_EQ(src.Values(), std::vector<int64_t>(all.begin(), all.begin() + left));
+        std::vector<int64_t> want = {1, 2};
+        want.insert(want.begin() + 1, all.begin() + left, all.end());
+        EXPECT_EQ(dst.Values(), want);
+        EXPECT_EQ(dst->pendingItem, nullptr);
+    }
 }
 
 } // namespace

@@ -135,7 +135,7 @@ TEST_F(GlobalMemory, LockedAndFixedBlocksStayWhereTheyAre)
     GlobalFree(fixed);
 }
 
-TEST_F(GlobalMemory, AMoveLeavesNoMoreRoomThanItAskedFor)
+TEST_F(GlobalMemory, AShrinkingMoveLeavesNoMoreRoomThanItAskedFor)
 {
     const HGLOBAL block = GlobalAlloc(GMEM_MOVEABLE, 100);
     EXPECT_EQ(GlobalReAlloc(block, 10, 0), block);
@@ -146,6 +146,20 @@ TEST_F(GlobalMemory, AMoveLeavesNoMoreRoomThanItAskedFor)
     GlobalLock(block);
     EXPECT_EQ(GlobalReAlloc(block, 10, 0), block);
     EXPECT_EQ(GlobalReAlloc(block, 1000, 0), block);
+    GlobalFree(block);
+}
+
+TEST_F(GlobalMemory, SmallStepsMoveAGrowingBlockSeldom)
+{
+    HGLOBAL block = GlobalAlloc(GMEM_FIXED, 64);
+    int moves = 0;
+    for (SIZE_T bytes = 64; bytes <= 1 << 20; bytes += 64) {
+        const HGLOBAL before = block;
+        block = GlobalReAlloc(block, bytes, GMEM_MOVEABLE);
+        ASSERT_EQ(GlobalSize(block), bytes);
+        moves += block != before;
+    }
+    EXPECT_LE(moves, 30); // log 16384 at base 1.5 is 24
     GlobalFree(block);
 }
 

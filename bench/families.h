@@ -1,0 +1,13 @@
+// The families of works, each in a file of its own. A new family is a function here, called by main.
+#pragma once
+
+#include "compare.h"
+
+namespace vxbench {
+
+void AddMixWorks(Suite& suite);
+void AddChannelWorks(Suite& suite);
+void AddCompositeWorks(Suite& suite);
+void AddListWorks(Suite& suite);
+
+} // namespace vxbench

@@ -1,0 +1,80 @@
+#include "vxtool/frame.h"
+
+#include "pictures.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace vxtest;
+using namespace vxtool;
+
+TEST(VxtoolFrame, OpaquePixelsPassUnchanged)
+{
+    Dib dib(VXPIXEL_RGBA32, 256, 1);
+    for (int32_t x = 0; x < 256; ++x)
+        for (int32_t c = 0; c < 4; ++c)
+            dib.Row(0)[4 * x + c] = c == 3 ? 255 : uint8_t(x + 85 * c);
+    for (const Form form : {Form::Bytes, Form::Floats})
+        EXPECT_EQ(RowOf(ToDib(ToFrame(dib, form), VXPIXEL_RGBA32), 0), RowOf(dib, 0));
+}
+
+// Every colour under every alpha: floats bring it back exactly, bytes as near as 8 bits can, and the
+// premultiplied byte is the exact quotient rounded.
+TEST(VxtoolFrame, TranslucentPixels)
+{
+    Dib dib(VXPIXEL_RGBA32, 256, 255);
+    for (int32_t y = 0; y < 255; ++y)
+        for (int32_t x = 0; x < 256; ++x)
+            for (int32_t c = 0; c < 4; ++c)
+                dib.Row(y)[4 * x + c] = uint8_t(c == 3 ? y + 1 : x);
+    const Frame bytes = ToFrame(dib, Form::Bytes);
+    const Dib fromFloats = ToDib(ToFrame(dib, Form::Floats), VXPIXEL_RGBA32),
+              fromBytes = ToDib(bytes, VXPIXEL_RGBA32);
+    for (int32_t y = 0; y < 255; ++y)
+        for (int32_t x = 0; x < 256; ++x) {
+            const int32_t alpha = y + 1;
+            ASSERT_EQ(bytes.At(x, y)[1], (2 * x * alpha + 255) / 510) << x << " under " << alpha;
+            ASSERT_EQ(fromFloats.Row(y)[4 * x + 2], x) << "under " << alpha;
+            ASSERT_EQ(fromBytes.Row(y)[4 * x + 3], alpha);
+            ASSERT_LE(std::abs(fromBytes.Row(y)[4 * x] - x), (255 / alpha + 1) / 2)
+                << x << " under " << alpha;
+        }
+}
+
+TEST(VxtoolFrame, EveryTypeKeepsItsOwnPixels)
+{
+    Random random;
+    for (const VxPixelType type : kFileTypes) {
+        const Dib dib = RandomDib(type, 19, 4, random);
+        const Dib back = ToDib(ToFrame(dib, Form::Floats), type);
+        for (int32_t y = 0; y < 4; ++y) {
+            const auto want = RowOf(dib, y), got = RowOf(back, y);
+            for (size_t x = 0; x < 19; ++x) {
+                ASSERT_NEAR(got[x].red, want[x].red, 1e-6) << NameOfType(type);
+                ASSERT_NEAR(got[x].blue, want[x].blue, 1e-6) << NameOfType(type);
+                ASSERT_EQ(got[x].alpha, want[x].alpha) << NameOfType(type);
+            }
+        }
+    }
+}
+
+TEST(VxtoolFrame, TypesWithoutAlphaShowThePictureOverBlack)
+{
+    Frame frame(1, 1, Form::Floats);
+    frame.Set(0, 0, Premultiplied({1.0f, 0.5f, 0.0f, 0.5f}));
+    EXPECT_EQ(RowOf(ToDib(frame, VXPIXEL_RGB24), 0)[0], (Colour{128 / 255.0f, 64 / 255.0f, 0.0f, 1.0f}));
+}
+
+TEST(VxtoolFrame, APaletteOfManyColoursIsNearEnough)
+{
+    Random random;
+    const Dib dib = RandomDib(VXPIXEL_RGB24, 40, 40, random);
+    const Dib back = ToDib(ToFrame(dib, Form::Bytes), VXPIXEL_PAL8);
+    EXPECT_EQ(back.Palette().size(), 256u);
+    for (int32_t y = 0; y < 40; ++y)
+        for (size_t x = 0; x < 40; ++x)
+            ASSERT_NEAR(RowOf(back, y)[x].green, RowOf(dib, y)[x].green, 45.0 / 255.0);
+}
+
+} // namespace
