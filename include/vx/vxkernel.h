@@ -12,6 +12,8 @@
 #include "vx/list.h"
 #include "vx/numbers.h"
 #include "vx/pixel.h"
+#include "vx/print.h"
+#include "vx/ruler.h"
 #include "vx/smpte.h"
 #include "vx/timer.h"
 #include "vx/types.h"
