@@ -74,18 +74,17 @@ public:
             keyEnd_ += 2;
         if (keyEnd_ + 2 > end_)
             return; // a key without terminator
-        const bool isText = WordAt(block + offset + 4) != 0;
         value_ = std::min(Aligned(keyEnd_ + 2), end_);
-        valueBytes_ = std::min(size_t(WordAt(block + offset + 2)) * (isText ? 2 : 1), end_ - value_);
-        if (isText)
-            valueBytes_ &= ~size_t(1);
-        valueLength_ = isText ? valueBytes_ / 2 : valueBytes_;
+        valueLength_ = WordAt(block + offset + 2);
+        isText_ = WordAt(block + offset + 4) != 0;
         valid_ = true;
     }
 
     bool IsValid() const { return valid_; }
     const std::byte* Value() const { return block_ + value_; }
-    size_t ValueLength() const { return valueLength_; } // characters of a text, else bytes
+    bool IsText() const { return isText_; }
+    size_t ValueBytes() const { return std::min(valueLength_, end_ - value_); }
+    size_t TextLength() const { return std::min(valueLength_, (end_ - value_) / 2); } // characters
 
     bool HasKey(const std::u16string& key) const
     {
@@ -95,13 +94,16 @@ public:
         return lstrcmpiW(own.c_str(), key.c_str()) == 0;
     }
 
-    VersionNode FirstChild() const { return {block_, Aligned(value_ + valueBytes_), end_}; }
+    VersionNode FirstChild() const
+    {
+        return {block_, Aligned(value_ + (isText_ ? TextLength() * 2 : ValueBytes())), end_};
+    }
     VersionNode NextSibling(const VersionNode& parent) const { return {block_, Aligned(end_), parent.end_}; }
 
 private:
     const std::byte* block_;
-    size_t end_ = 0, key_ = 0, keyEnd_ = 0, value_ = 0, valueBytes_ = 0, valueLength_ = 0;
-    bool valid_ = false;
+    size_t end_ = 0, key_ = 0, keyEnd_ = 0, value_ = 0, valueLength_ = 0;
+    bool isText_ = false, valid_ = false;
 };
 
 VersionNode FindChild(const VersionNode& parent, const std::u16string& key)
@@ -122,6 +124,14 @@ VersionNode FindNode(const std::byte* block, std::u16string_view path)
         path.remove_prefix(std::min(end + 1, path.size()));
     }
     return node;
+}
+
+// There all values are texts, also where a node says otherwise: callers take its length for characters.
+bool IsBelowTexts(std::u16string_view path)
+{
+    path.remove_prefix(std::min(path.find_first_not_of(u'\\'), path.size()));
+    const std::u16string first(path.substr(0, path.find(u'\\')));
+    return lstrcmpiW(first.c_str(), u"StringFileInfo") == 0;
 }
 
 // Calls use(file, place) for the resource; 0 with the last error set where there is none. A resource
@@ -200,7 +210,7 @@ try {
     if (!node.IsValid())
         return Fail(ERROR_RESOURCE_TYPE_NOT_FOUND);
     *value = const_cast<std::byte*>(node.Value());
-    *length = UINT(node.ValueLength());
+    *length = UINT(node.IsText() || IsBelowTexts(path) ? node.TextLength() : node.ValueBytes());
     return TRUE;
 } catch (const std::bad_alloc&) {
     return Fail(ERROR_NOT_ENOUGH_MEMORY);

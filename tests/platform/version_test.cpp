@@ -55,6 +55,14 @@ std::u16string Query(const Bytes& block, const char16_t* path)
     return text.substr(0, text.find(u'\0'));
 }
 
+void ReadBytes(const Bytes& block, const char16_t* path)
+{
+    void* value = nullptr;
+    UINT length = 0;
+    if (!block.empty() && VerQueryValueW(block.data(), path, &value, &length))
+        Bytes(static_cast<uint8_t*>(value), static_cast<uint8_t*>(value) + length);
+}
+
 } // namespace
 
 TEST_F(VersionFiles, ValuesAreFoundByTheirPaths)
@@ -106,7 +114,9 @@ TEST_F(VersionFiles, DamageHarmsNothing)
         const Bytes block = Read(damaged);
         found += Query(block, kProductVersion) == u"1.2.3";
         Query(block, u"\\StringFileInfo\\040904B0\\Empty");
-        Query(block, u"\\");
+        Query(block, u"\\StringFileInfo\\040904B0");
+        for (const char16_t* path : {u"\\", u"\\VarFileInfo\\Translation"})
+            ReadBytes(block, path);
     };
     for (size_t length = 0; length < image.size(); length += 3)
         look(Bytes(image.begin(), image.begin() + ptrdiff_t(length)));
