@@ -1,5 +1,6 @@
 // Templates with numbered inserts.
 #include "platform/bounded_text.h"
+#include "platform/characters.h"
 #include "vx/platform/debug.h"
 #include "vx/platform/format.h"
 #include "vx/platform/lasterror.h"
@@ -21,11 +22,6 @@ struct Insert
     size_t Stars() const { return size_t(std::count(format.begin(), format.end(), u'*')); }
     int LastNumber() const { return number + int(Stars()); }
 };
-
-bool IsDigit(char16_t c)
-{
-    return c >= u'0' && c <= u'9';
-}
 
 // text stands at the first digit, and behind the insert afterwards. False where its format has no end.
 bool ParseInsert(const char16_t*& text, Insert& out)

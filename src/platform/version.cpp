@@ -155,7 +155,11 @@ try {
     if (place->size < kNodeHeader || !file.Read(place->offset, length, sizeof(length)) ||
         WordAt(length) > place->size)
         return DWORD(Fail(ERROR_RESOURCE_DATA_NOT_FOUND));
-    return use(file, *place, DWORD(std::max<size_t>(WordAt(length), kNodeHeader)));
+    const DWORD bytes = DWORD(std::max<size_t>(WordAt(length), kNodeHeader));
+    std::byte last;
+    if (!file.Read(place->offset + bytes - 1, &last, 1))
+        return DWORD(Fail(ERROR_RESOURCE_DATA_NOT_FOUND)); // the file ends before
+    return use(file, *place, bytes);
 } catch (const std::bad_alloc&) {
     return DWORD(Fail(ERROR_NOT_ENOUGH_MEMORY));
 }

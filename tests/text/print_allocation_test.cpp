@@ -17,7 +17,8 @@ namespace {
 thread_local int t_allocations;
 }
 
-// The C library's own allocator under the names that programs may replace.
+// The C library's own allocator under the names that programs may replace, for all libraries to see.
+#pragma GCC visibility push(default)
 extern "C" {
 void* __libc_malloc(size_t bytes);
 void* __libc_calloc(size_t count, size_t bytes);
@@ -39,6 +40,7 @@ void* realloc(void* block, size_t bytes)
     return __libc_realloc(block, bytes);
 }
 }
+#pragma GCC visibility pop
 
 TEST(PrintAllocation, NoFormTakesMemory)
 {
