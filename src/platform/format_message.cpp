@@ -1,10 +1,10 @@
 // Templates with numbered inserts.
 #include "platform/bounded_text.h"
+#include "platform/characters.h"
 #include "vx/platform/debug.h"
 #include "vx/platform/format.h"
 #include "vx/platform/lasterror.h"
 
-#include <charconv>
 #include <cstring>
 #include <iterator>
 #include <string_view>
@@ -22,11 +22,6 @@ struct Insert
     size_t Stars() const { return size_t(std::count(format.begin(), format.end(), u'*')); }
     int LastNumber() const { return number + int(Stars()); }
 };
-
-bool IsDigit(char16_t c)
-{
-    return c >= u'0' && c <= u'9';
-}
 
 // text stands at the first digit, and behind the insert afterwards. False where its format has no end.
 bool ParseInsert(const char16_t*& text, Insert& out)
@@ -156,9 +151,12 @@ private:
             uint64_t argument = 0;
             if (!arguments_.Get(number++, argument))
                 return false;
-            char digits[16]; // a negative width is the flag "-" and a width
-            const auto end = std::to_chars(digits, std::end(digits), int32_t(argument)).ptr;
-            out.Put(std::string_view(digits, size_t(end - digits)));
+            VxFormatValue count;
+            count.kind = VxFormatKind_Integer;
+            count.as.integer = argument;
+            char16_t digits[12]; // a negative width is the flag "-" and a width
+            VxPlatform_FormatValue(digits, std::size(digits), u"%d", &count);
+            out.Put(digits);
         }
         if (out.Length() >= kConversionRoom)
             return false;

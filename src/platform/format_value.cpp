@@ -1,5 +1,6 @@
 // One conversion of the C runtime's formatter, without its locale, its heap and its 32-bit characters.
 #include "platform/bounded_text.h"
+#include "platform/characters.h"
 #include "vx/platform/format.h"
 
 #include <charconv>
@@ -29,11 +30,6 @@ struct Conversion
     Size size = Size::Long;
     char16_t letter = 0;
 };
-
-bool IsDigit(char16_t c)
-{
-    return c >= u'0' && c <= u'9';
-}
 
 void ParseFlags(const char16_t*& text, Conversion& out)
 {
@@ -84,6 +80,9 @@ constexpr SizeName kSizes[] = {
 
 void ParseSize(const char16_t*& text, Conversion& out)
 {
+    constexpr std::u16string_view kFirst = u"IlhLw";
+    if (kFirst.find(*text) == kFirst.npos)
+        return; // most conversions have none
     const std::u16string_view rest(text);
     for (const SizeName& known : kSizes)
         if (rest.starts_with(known.name)) {
@@ -190,6 +189,35 @@ uint64_t ZeroExtended(uint64_t value, Size size)
     }
 }
 
+using IntegerDigits = char[22]; // octal
+
+// A division by a constant is several times faster than one by a variable.
+template <unsigned kBase>
+std::string_view WriteInteger(IntegerDigits& digits, uint64_t value, const char* glyphs)
+{
+    char* first = std::end(digits);
+    do {
+        *--first = glyphs[value % kBase];
+        value /= kBase;
+    } while (value != 0);
+    return {first, size_t(std::end(digits) - first)};
+}
+
+std::string_view WriteInteger(IntegerDigits& digits, uint64_t value, char16_t letter)
+{
+    constexpr const char* kLower = "0123456789abcdef";
+    switch (letter) {
+    case u'o':
+        return WriteInteger<8>(digits, value, kLower);
+    case u'x':
+        return WriteInteger<16>(digits, value, kLower);
+    case u'X':
+        return WriteInteger<16>(digits, value, "0123456789ABCDEF");
+    default:
+        return WriteInteger<10>(digits, value, kLower);
+    }
+}
+
 void PutInteger(BoundedText& out, const Conversion& conversion, uint64_t value)
 {
     const char16_t letter = conversion.letter;
@@ -203,13 +231,9 @@ void PutInteger(BoundedText& out, const Conversion& conversion, uint64_t value)
             value = 0 - value;
     }
     const bool hexadecimal = letter == u'x' || letter == u'X';
-    char digits[24]; // 22 octal ones at most
-    char* end = digits;
+    IntegerDigits digits;
     if (value != 0 || conversion.precision != 0)
-        end = std::to_chars(digits, std::end(digits), value, letter == u'o' ? 8 : hexadecimal ? 16 : 10).ptr;
-    if (letter == u'X')
-        MakeUpper(digits, end);
-    number.digits = {digits, size_t(end - digits)};
+        number.digits = WriteInteger(digits, value, letter);
     if (conversion.precision > int64_t(number.digits.size()))
         number.leadingZeros = uint64_t(conversion.precision) - number.digits.size();
     if (conversion.alternate && hexadecimal && value != 0)

@@ -1,4 +1,5 @@
 #include "platform/bounded_text.h"
+#include "platform/characters.h"
 #include "platform/locale_data.h"
 
 #include <algorithm>
@@ -17,11 +18,6 @@ struct DecimalText
     std::u16string_view integer; // without leading zeros
     std::u16string_view fraction;
 };
-
-bool IsDigit(char16_t c)
-{
-    return c >= u'0' && c <= u'9';
-}
 
 std::u16string_view TakeDigits(const char16_t*& text)
 {
