@@ -1,3 +1,4 @@
+#include "platform/bounded_text.h"
 #include "platform/locale_data.h"
 
 #include <algorithm>
@@ -132,31 +133,6 @@ private:
     size_t sizes_[4] = {};
     size_t count_ = 0;
     bool repeats_ = false;
-};
-
-// Counts all that is put and keeps what fits.
-class BoundedText
-{
-public:
-    BoundedText(char16_t* text, size_t room) : text_(text), room_(room) {}
-
-    void Put(char16_t c)
-    {
-        if (length_ < room_)
-            text_[length_] = c;
-        ++length_;
-    }
-    void Put(const char16_t* text)
-    {
-        while (*text)
-            Put(*text++);
-    }
-    size_t Length() const { return length_; }
-
-private:
-    char16_t* text_;
-    size_t room_;
-    size_t length_ = 0;
 };
 
 void PutDigits(BoundedText& out, const RoundedDigits& digits, const NUMBERFMTW& format)
