@@ -1,10 +1,11 @@
 #include "vx/smpte.h"
 
-#include <limits>
+#include "time/rounding.h"
 
 namespace {
 
-constexpr double kNanoUnitsPerSecond = 1e7;
+using namespace vx;
+
 constexpr uint32_t kDropHour = 108;           // labels that drop-frame leaves out of an hour
 constexpr uint32_t kPlainHour = 60 * 60 * 30; // frames of an hour, a minute and ten minutes
 constexpr uint32_t kPlainMinute = 60 * 30;    // of a plain 30-frame clock
@@ -58,13 +59,6 @@ uint32_t PlainPosition(uint32_t count)
         dropped = now;
     }
     return x;
-}
-
-// Truncates as the processor does: what does not fit, and a NaN, is the smallest integer.
-int64_t Truncated(double value)
-{
-    const bool fits = value >= -0x1p63 && value < 0x1p63;
-    return fits ? int64_t(value) : std::numeric_limits<int64_t>::min();
 }
 
 void SetFields(_smpteval& label, uint32_t hours, uint32_t minutes, uint32_t seconds, uint32_t frames)
