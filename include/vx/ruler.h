@@ -31,7 +31,7 @@
 #define VXPOSFMT_BEATS 14         /* 7,447.000; short 7,447; not read back */
 #define VXPOSFMT_FEET_40 15       /* 2,792+25: feet and frames, 40 frames a foot (16 mm film) */
 #define VXPOSFMT_FEET_16 16       /* 6,981+9: 16 frames a foot (35 mm film) */
-#define VXPOSFMT_CD 17            /* 01:02:03:37: 75 frames a second; short 01:02:03 */
+#define VXPOSFMT_CD 17            /* 01:02:03:38: 75 frames a second; short 01:02:03 */
 #define VXPOSFMT_SMPTE_23976 18   /* 01:01:59:18 */
 #define VXPOSFMT_CLOCK 19         /* 1:02:03, 10:00, 9:05: the shortest form; not read back */
 
@@ -117,7 +117,8 @@ VX_EXPORT int64_t VxTextToTimeToken(const char16_t* text, const _vxposfmt* forma
 VX_EXPORT int64_t VxTextToHMSFToken(const char16_t* text, const _vxposfmt* format, int32_t shortForm,
                                     const char16_t** outEnd);
 
-/* Film text ("feet+frames", or frames alone) to nano time at framesPerSecond.
+/* Film text ("feet+frames", or frames alone) to nano time at framesPerSecond. Feet grouped by a
+ * separator, as from a thousand on they are shown, read as two fields.
  *   forty  nonzero: 40 frames a foot; 0: 16 */
 VX_EXPORT int64_t VxTextToFeetAndFramesToken(const char16_t* text, const _vxposfmt* format, int32_t forty);
 
