@@ -4,7 +4,6 @@
 #include "vx/platform/format.h"
 #include "vx/platform/lasterror.h"
 
-#include <charconv>
 #include <cstring>
 #include <iterator>
 #include <string_view>
@@ -156,9 +155,12 @@ private:
             uint64_t argument = 0;
             if (!arguments_.Get(number++, argument))
                 return false;
-            char digits[16]; // a negative width is the flag "-" and a width
-            const auto end = std::to_chars(digits, std::end(digits), int32_t(argument)).ptr;
-            out.Put(std::string_view(digits, size_t(end - digits)));
+            VxFormatValue count;
+            count.kind = VxFormatKind_Integer;
+            count.as.integer = argument;
+            char16_t digits[12]; // a negative width is the flag "-" and a width
+            VxPlatform_FormatValue(digits, std::size(digits), u"%d", &count);
+            out.Put(digits);
         }
         if (out.Length() >= kConversionRoom)
             return false;

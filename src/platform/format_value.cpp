@@ -190,6 +190,19 @@ uint64_t ZeroExtended(uint64_t value, Size size)
     }
 }
 
+using IntegerDigits = char[22]; // octal
+
+std::string_view WriteInteger(IntegerDigits& digits, uint64_t value, unsigned base, bool upper)
+{
+    const char* glyphs = upper ? "0123456789ABCDEF" : "0123456789abcdef";
+    char* first = std::end(digits);
+    do {
+        *--first = glyphs[value % base];
+        value /= base;
+    } while (value != 0);
+    return {first, size_t(std::end(digits) - first)};
+}
+
 void PutInteger(BoundedText& out, const Conversion& conversion, uint64_t value)
 {
     const char16_t letter = conversion.letter;
@@ -203,13 +216,13 @@ void PutInteger(BoundedText& out, const Conversion& conversion, uint64_t value)
             value = 0 - value;
     }
     const bool hexadecimal = letter == u'x' || letter == u'X';
-    char digits[24]; // 22 octal ones at most
-    char* end = digits;
+    IntegerDigits digits;
     if (value != 0 || conversion.precision != 0)
-        end = std::to_chars(digits, std::end(digits), value, letter == u'o' ? 8 : hexadecimal ? 16 : 10).ptr;
-    if (letter == u'X')
-        MakeUpper(digits, end);
-    number.digits = {digits, size_t(end - digits)};
+        number.digits = WriteInteger(digits, value,
+                                     letter == u'o' ? 8
+                                     : hexadecimal  ? 16
+                                                    : 10,
+                                     letter == u'X');
     if (conversion.precision > int64_t(number.digits.size()))
         number.leadingZeros = uint64_t(conversion.precision) - number.digits.size();
     if (conversion.alternate && hexadecimal && value != 0)

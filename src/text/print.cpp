@@ -8,7 +8,6 @@
 #include "vx/numbers.h"
 #include "vx/platform/format.h"
 
-#include <charconv>
 #include <cmath>
 #include <cstdarg>
 #include <cstring>
@@ -290,12 +289,11 @@ private:
     // "%.Nf"
     static void WriteDoubleConversion(Conversion& conversion, uint32_t decimals)
     {
-        char digits[12];
-        const char* end = std::to_chars(digits, std::end(digits), decimals).ptr;
-        char16_t* text = std::copy<const char*>(digits, end, conversion.text + 2); // behind "%."
-        text[0] = u'f';
-        text[1] = u'\0';
-        conversion.length = size_t(text + 1 - conversion.text);
+        char16_t* letter = conversion.text + 2; // behind "%."
+        letter += VxDWordToText(decimals, letter, 0);
+        letter[0] = u'f';
+        letter[1] = u'\0';
+        conversion.length = size_t(letter + 1 - conversion.text);
     }
 
     void PutSeparator(uint32_t key) { out_.PutSeparator(key); }

@@ -1,0 +1,284 @@
+#include "vx/platform/format.h"
+
+#include "support/random.h"
+#include "vx/platform/debug.h"
+#include "vx/platform/lasterror.h"
+
+#include <bit>
+#include <cstdio>
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+using namespace vxtest;
+
+namespace {
+
+constexpr size_t kRoom = 2500;
+
+std::u16string Wide(const std::string& text)
+{
+    return {text.begin(), text.end()};
+}
+
+std::string Narrow(const std::u16string& text)
+{
+    return {text.begin(), text.end()};
+}
+
+VxFormatValue Integer(uint64_t value)
+{
+    VxFormatValue out{};
+    out.kind = VxFormatKind_Integer;
+    out.as.integer = value;
+    return out;
+}
+
+VxFormatValue Double(double value)
+{
+    VxFormatValue out{};
+    out.kind = VxFormatKind_Double;
+    out.as.number = value;
+    return out;
+}
+
+VxFormatValue Text(const void* text)
+{
+    VxFormatValue out{};
+    out.kind = VxFormatKind_Text;
+    out.as.text = text;
+    return out;
+}
+
+// Whole, and at a random capacity with a guard behind it.
+void ExpectFormats(Random& random, const std::string& conversion, const VxFormatValue& value,
+                   const std::string& want)
+{
+    std::u16string text(kRoom, u'#');
+    const std::u16string wide = Wide(conversion);
+    ASSERT_EQ(VxPlatform_FormatValue(text.data(), kRoom, wide.c_str(), &value), int64_t(want.size()))
+        << conversion;
+    ASSERT_EQ(Narrow(text.c_str()), want) << conversion;
+    const size_t capacity = size_t(random.Int(0, int32_t(want.size()) + 1));
+    text.assign(kRoom, u'#');
+    ASSERT_EQ(VxPlatform_FormatValue(text.data(), capacity, wide.c_str(), &value), int64_t(want.size()));
+    ASSERT_EQ(text.find_first_not_of(u'#', capacity), text.npos) << conversion << ", capacity " << capacity;
+    if (capacity > 0) {
+        ASSERT_EQ(Narrow(text.c_str()), want.substr(0, capacity - 1)) << conversion;
+    }
+}
+
+std::string RandomFlags(Random& random)
+{
+    std::string flags;
+    while (random.Int(0, 2) != 0)
+        flags += "-+ #0"[random.Int(0, 4)];
+    return flags;
+}
+
+std::string RandomWidthAndPrecision(Random& random, int32_t mostPrecision)
+{
+    std::string text;
+    if (random.Int(0, 1))
+        text += std::to_string(random.Int(1, 40));
+    if (random.Int(0, 1)) {
+        text += '.';
+        if (random.Int(0, 5) != 0)
+            text += std::to_string(random.Int(0, mostPrecision));
+    }
+    return text;
+}
+
+template <class... Arguments>
+std::string ByTheCLibrary(const std::string& conversion, Arguments... arguments)
+{
+    char text[kRoom];
+    const int length = std::snprintf(text, sizeof(text), conversion.c_str(), arguments...);
+    return {text, size_t(length)};
+}
+
+// Of every length, around 0 and the ends of ranges, and arbitrary bits.
+double RandomDouble(Random& random)
+{
+    switch (random.Int(0, 4)) {
+    case 0:
+        return double(random.Int(-1000000, 1000000)) / 64;
+    case 1:
+        return double(random.Int(-9999, 9999)) / 1000;
+    case 2:
+        return double(random.Int(-1, 1)) / 2;
+    case 3: // halves in every place
+        return double(random.Int(0, 99999) * 10 + 5) / double(uint64_t(1) << random.Int(0, 50));
+    default:
+        return std::bit_cast<double>(random.Next());
+    }
+}
+
+} // namespace
+
+TEST(FormatValue, IntegersAreThoseOfTheCLibrary)
+{
+    struct SizeName
+    {
+        const char *ours, *libraries;
+    };
+    constexpr SizeName kSizes[] = {{"", ""},      {"h", "h"},  {"hh", "hh"}, {"l", ""},   {"L", ""},
+                                   {"I64", "ll"}, {"I32", ""}, {"I", "ll"},  {"ll", "ll"}};
+    Random random;
+    for (int i = 0; i < 100000; ++i) {
+        const std::string front = "%" + RandomFlags(random) + RandomWidthAndPrecision(random, 45);
+        const SizeName& size = kSizes[random.Int(0, 8)];
+        const char letter = "diuxXo"[random.Int(0, 5)];
+        const uint64_t value = random.Int(0, 3) == 0 ? 0 : random.Next() >> random.Int(0, 63);
+        const std::string want = ByTheCLibrary(front + size.libraries + letter, value);
+        ASSERT_NO_FATAL_FAILURE(ExpectFormats(random, front + size.ours + letter, Integer(value), want));
+    }
+}
+
+TEST(FormatValue, DoublesAreThoseOfTheCLibrary)
+{
+    Random random;
+    for (int i = 0; i < 100000; ++i) {
+        const int32_t mostPrecision = i % 100 == 0 ? 1500 : 25;
+        const std::string conversion = "%" + RandomFlags(random) +
+                                       RandomWidthAndPrecision(random, mostPrecision) +
+                                       "eEfgG"[random.Int(0, 4)];
+        const double value = RandomDouble(random);
+        ASSERT_NO_FATAL_FAILURE(
+            ExpectFormats(random, conversion, Double(value), ByTheCLibrary(conversion, value)))
+            << value;
+    }
+}
+
+TEST(FormatValue, TextsAreThoseOfTheCLibrary)
+{
+    Random random;
+    for (int i = 0; i < 20000; ++i) {
+        std::string flags = RandomFlags(random);
+        std::erase(flags, '0'); // pads texts with zeros here
+        const std::string front = "%" + flags + RandomWidthAndPrecision(random, 20);
+        const std::string text(size_t(random.Int(0, 30)), char(random.Int('a', 'z')));
+        const std::string want = ByTheCLibrary(front + "s", text.c_str());
+        const std::u16string wide = Wide(text);
+        for (const char* size : {"", "l", "w"})
+            ASSERT_NO_FATAL_FAILURE(ExpectFormats(random, front + size + "s", Text(wide.c_str()), want));
+        ASSERT_NO_FATAL_FAILURE(ExpectFormats(random, front + "hs", Text(text.c_str()), want));
+        ASSERT_NO_FATAL_FAILURE(
+            ExpectFormats(random, front + "c", Integer('x'), ByTheCLibrary(front + "c", 'x')));
+    }
+}
+
+TEST(FormatValue, TextsAreNotReadBehindTheirPrecision)
+{
+    const std::vector<char16_t> unterminated = {u'a', u'b', u'c'}; // at the end of its block
+    char16_t text[8];
+    const VxFormatValue value = Text(unterminated.data());
+    EXPECT_EQ(VxPlatform_FormatValue(text, 8, u"%.3s", &value), 3);
+    EXPECT_EQ(std::u16string(text), u"abc");
+    const VxFormatValue null = Text(nullptr);
+    EXPECT_EQ(VxPlatform_FormatValue(text, 8, u"%03hs", &null), 3);
+    EXPECT_EQ(std::u16string(text), u"000");
+}
+
+TEST(FormatValue, WhatIsNoConversionWritesNothing)
+{
+    const VxFormatValue integer = Integer(5), text = Text(u"text"), number = Double(1.5);
+    const struct
+    {
+        const char16_t* conversion;
+        const VxFormatValue& value;
+    } cases[] = {
+        {u"", integer},      {u"%", integer},    {u"d", integer},    {u"%d ", integer}, {u"%5 d", integer},
+        {u"%..5d", integer}, {u"%I6d", integer}, {u"%hld", integer}, {u"%*d", integer}, {u"%n", integer},
+        {u"%p", integer},    {u"%%", integer},   {u"%s", integer},   {u"%f", integer},  {u"%d", text},
+        {u"%c", text},       {u"%g", text},      {u"%d", number},    {u"%s", number},   {u"%a", number},
+    };
+    for (const auto& c : cases) {
+        char16_t out[] = u"####";
+        EXPECT_EQ(VxPlatform_FormatValue(out, 4, c.conversion, &c.value), -1) << Narrow(c.conversion);
+        EXPECT_EQ(std::u16string(out), u"####");
+    }
+}
+
+namespace {
+
+struct Message
+{
+    std::u16string text;
+    DWORD length;
+    DWORD error;
+    bool operator==(const Message&) const = default;
+};
+
+void PrintTo(const Message& message, std::ostream* out)
+{
+    *out << Narrow(message.text) << ", length " << message.length << ", error " << message.error;
+}
+
+Message Fill(DWORD size, const char16_t* source, ...)
+{
+    std::u16string text(100, u'#');
+    SetLastError(ERROR_SUCCESS);
+    va_list arguments;
+    va_start(arguments, source);
+    const DWORD length =
+        FormatMessageW(FORMAT_MESSAGE_FROM_STRING, source, 0, 0, text.data(), size, &arguments);
+    va_end(arguments);
+    EXPECT_EQ(text.find_first_not_of(u'#', size), text.npos);
+    return {text.c_str(), length, GetLastError()};
+}
+
+Message Filled(const std::u16string& text)
+{
+    return {text, DWORD(text.size()), ERROR_SUCCESS};
+}
+
+Message Refused(DWORD error)
+{
+    return {u"", 0, error};
+}
+
+} // namespace
+
+TEST(FormatMessage, Templates)
+{
+    const DWORD all = 100;
+    EXPECT_EQ(Fill(all, u"plain\n"), Filled(u"plain\n"));
+    EXPECT_EQ(Fill(all, u"%1 and %2, %1", u"one", u"two"), Filled(u"one and two, one"));
+    EXPECT_EQ(Fill(all, u"%2", 1, u"two"), Filled(u"two"));
+    EXPECT_EQ(
+        Fill(all, u"%1!d!%2!I64x!%3!c!%4!hs!%5!.2s!", -5, INT64_C(0xABCDEF0123), u'c', "narrow", u"wide"),
+        Filled(u"-5abcdef0123cnarrowwi"));
+    EXPECT_EQ(Fill(all, u"%1!*d!|%1!-*.*s!|%4", 5, 3, u"text", u"4th"), Filled(u"    3|tex  |4th"));
+    EXPECT_EQ(Fill(all, u"%12%11!u!", u"1", 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, u"twelve"), Filled(u"twelve11"));
+    EXPECT_EQ(Fill(all, u"a%nb%rc%td%be%.%!%%% f%0g"), Filled(u"a\r\nb\rc\td e.!% f"));
+    EXPECT_EQ(Fill(all, u"%1!s%", u"x"), Refused(ERROR_INVALID_PARAMETER));
+    for (const char16_t* damaged : {u"%", u"a%1!d", u"%1!!", u"%1!f!", u"%1!y!", u"%1!n!", u"%99!*d!"})
+        EXPECT_EQ(Fill(all, damaged, 1, 2), Refused(ERROR_INVALID_PARAMETER)) << Narrow(damaged);
+}
+
+TEST(FormatMessage, EveryCapacity)
+{
+    const std::u16string whole = u"a text, 00012\r\n";
+    for (DWORD size = 0; size <= whole.size() + 1; ++size) {
+        Message want = size > whole.size() ? Filled(whole) : Refused(ERROR_INSUFFICIENT_BUFFER);
+        if (size == 0)
+            want.text = std::u16string(100, u'#');
+        EXPECT_EQ(Fill(size, u"a %1, %2!05d!%n", u"text", 12), want) << size;
+    }
+}
+
+TEST(FormatMessage, RefusesWhatItDoesNotDo)
+{
+    char16_t text[8];
+    int texts = 0;
+    VxPlatform_SetDebugOutput([](void* count, const char*) { ++*static_cast<int*>(count); }, &texts);
+    for (const DWORD flags : {0u, 0x1000u, 0x100u, 0x500u, 0x2400u, 0x4FFu})
+        EXPECT_EQ(FormatMessageW(flags, u"text", 0, 0, text, 8, nullptr), 0u) << flags;
+    VxPlatform_SetDebugOutput(nullptr, nullptr);
+    EXPECT_EQ(GetLastError(), ERROR_INVALID_FLAGS);
+    EXPECT_EQ(texts, 6);
+    EXPECT_EQ(FormatMessageW(FORMAT_MESSAGE_FROM_STRING, u"%1", 0, 0, text, 8, nullptr), 0u);
+    EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(FormatMessageW(FORMAT_MESSAGE_FROM_STRING, u"text", 0, 0, text, 8, nullptr), 4u);
+}

@@ -1,0 +1,186 @@
+#include "vx/platform/version.h"
+
+#include "support/pe_image.h"
+#include "support/random.h"
+#include "support/temp_folder.h"
+#include "vx/platform/lasterror.h"
+
+#include <gtest/gtest.h>
+
+using namespace vxtest;
+
+namespace {
+
+constexpr char16_t kProductVersion[] = u"\\StringFileInfo\\040904B0\\ProductVersion";
+
+Bytes SmallImage(bool wide = true)
+{
+    return PeImage(
+        VersionResource({{u"ProductName", u"A product"}, {u"ProductVersion", u"1.2.3"}, {u"Empty", u""}}),
+        wide);
+}
+
+class VersionFiles : public testing::Test
+{
+protected:
+    DWORD SizeOf(const Bytes& image)
+    {
+        folder_.Write("image", image);
+        SetLastError(ERROR_SUCCESS);
+        return GetFileVersionInfoSizeW(folder_.DrivePath(u"image").c_str(), nullptr);
+    }
+
+    // The resource in a block of exactly its size; empty where there is none.
+    Bytes Read(const Bytes& image)
+    {
+        Bytes block(SizeOf(image));
+        if (!block.empty() &&
+            !GetFileVersionInfoW(folder_.DrivePath(u"image").c_str(), 0, DWORD(block.size()), block.data()))
+            block.clear();
+        return block;
+    }
+
+    TempFolder folder_;
+};
+
+// A text, "-" where it is not found. Each of its characters is read.
+std::u16string Query(const Bytes& block, const char16_t* path)
+{
+    void* value = nullptr;
+    UINT length = 0;
+    if (block.empty() || !VerQueryValueW(block.data(), path, &value, &length))
+        return u"-";
+    std::u16string text(length, u'\0');
+    std::memcpy(text.data(), value, length * sizeof(char16_t));
+    return text.substr(0, text.find(u'\0'));
+}
+
+void ReadBytes(const Bytes& block, const char16_t* path)
+{
+    void* value = nullptr;
+    UINT length = 0;
+    if (!block.empty() && VerQueryValueW(block.data(), path, &value, &length))
+        Bytes(static_cast<uint8_t*>(value), static_cast<uint8_t*>(value) + length);
+}
+
+} // namespace
+
+TEST_F(VersionFiles, ValuesAreFoundByTheirPaths)
+{
+    for (const bool wide : {false, true}) {
+        const Bytes block = Read(SmallImage(wide));
+        EXPECT_EQ(Query(block, kProductVersion), u"1.2.3");
+        EXPECT_EQ(Query(block, u"\\stringfileinfo\\040904b0\\PRODUCTNAME"), u"A product");
+        EXPECT_EQ(Query(block, u"\\StringFileInfo\\040904B0\\Empty"), u"");
+        for (const char16_t* missing :
+             {u"\\StringFileInfo\\040904B0\\Product", u"\\StringFileInfo\\00000000\\ProductVersion",
+              u"\\ProductVersion", u"\\StringFileInfo\\040904B0\\ProductVersion\\More"})
+            EXPECT_EQ(Query(block, missing), u"-");
+        void* value = nullptr;
+        UINT length = 0;
+        ASSERT_TRUE(VerQueryValueW(block.data(), u"\\", &value, &length));
+        EXPECT_EQ(length, 52u);
+        ASSERT_TRUE(VerQueryValueW(block.data(), u"\\VarFileInfo\\Translation", &value, &length));
+        EXPECT_EQ(length, 4u);
+        EXPECT_EQ(std::memcmp(value, "\x09\x04\xB0\x04", 4), 0);
+    }
+}
+
+TEST_F(VersionFiles, FailuresSayWhy)
+{
+    EXPECT_EQ(SizeOf({}), 0u);
+    EXPECT_EQ(GetLastError(), ERROR_BAD_FORMAT);
+    EXPECT_EQ(GetFileVersionInfoSizeW(folder_.DrivePath(u"missing").c_str(), nullptr), 0u);
+    EXPECT_EQ(GetLastError(), ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(GetFileVersionInfoSizeW(folder_.DrivePath(u".").c_str(), nullptr), 0u);
+    EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED) << "a folder is no file";
+    Bytes other = SmallImage();
+    Store<uint32_t>(other, kResourceOffset + 16, 6); // another type of resource
+    EXPECT_EQ(SizeOf(other), 0u);
+    EXPECT_EQ(GetLastError(), ERROR_RESOURCE_TYPE_NOT_FOUND);
+    const DWORD size = SizeOf(SmallImage());
+    Bytes block(size);
+    EXPECT_FALSE(GetFileVersionInfoW(folder_.DrivePath(u"image").c_str(), 0, size - 1, block.data()));
+    EXPECT_EQ(GetLastError(), ERROR_INSUFFICIENT_BUFFER);
+    EXPECT_EQ(block, Bytes(size));
+}
+
+// A damaged file never makes anything read outside the block; the sanitizers watch.
+TEST_F(VersionFiles, DamageHarmsNothing)
+{
+    const Bytes image = SmallImage();
+    int found = 0;
+    const auto look = [&](const Bytes& damaged) {
+        const Bytes block = Read(damaged);
+        found += Query(block, kProductVersion) == u"1.2.3";
+        Query(block, u"\\StringFileInfo\\040904B0\\Empty");
+        Query(block, u"\\StringFileInfo\\040904B0");
+        for (const char16_t* path : {u"\\", u"\\VarFileInfo\\Translation"})
+            ReadBytes(block, path);
+    };
+    for (size_t length = 0; length < image.size(); length += 3)
+        look(Bytes(image.begin(), image.begin() + ptrdiff_t(length)));
+    EXPECT_EQ(found, 0) << "a file without its end is damaged";
+    // Every word of headers, directories and resource, with values that overflow sums
+    for (size_t offset = 0; offset + 4 <= image.size(); offset += 2)
+        for (const uint32_t value : {0u, 1u, 0xFFFFu, 0x7FFFFFFFu, 0x80000000u, 0xFFFFFFF0u, 0xFFFFFFFFu}) {
+            if (offset >= kPeStart + 280 && offset < kResourceOffset)
+                break; // unused
+            Bytes damaged = image;
+            Store(damaged, offset, value);
+            look(damaged);
+        }
+    Random random;
+    for (int i = 0; i < 500; ++i) {
+        Bytes damaged = image;
+        for (int byte = 0; byte < 8; ++byte)
+            damaged[size_t(random.Int(int32_t(kVersionOffset), int32_t(image.size()) - 1))] = random.Byte();
+        look(damaged);
+    }
+}
+
+// The drive map and the look-up of names, through the first function that takes a path.
+TEST(HostPaths, AreFound)
+{
+    const TempFolder folder;
+    const Bytes image = SmallImage();
+    folder.Write("Folder/Image.dll", image);
+    folder.Write("Folder/image.DLL", {});
+    folder.Write("folder/other", image);
+    folder.Write("\xC3\x84/\xF0\x9F\x98\x80.bin", image);
+    const auto isImage = [](const std::u16string& path) {
+        return GetFileVersionInfoSizeW(path.c_str(), nullptr) != 0;
+    };
+    const auto inFolder = [&](const std::u16string& name) { return isImage(folder.DrivePath(name)); };
+    EXPECT_TRUE(inFolder(u"Folder\\Image.dll"));
+    EXPECT_FALSE(inFolder(u"Folder\\image.DLL")) << "the exact case comes first";
+    EXPECT_TRUE(inFolder(u"Folder\\IMAGE.DLL")) << "then the first by its bytes";
+    EXPECT_TRUE(inFolder(u"folder\\Other"));
+    EXPECT_FALSE(inFolder(u"Folder\\other")) << "no folder but the exact one is looked into";
+    EXPECT_TRUE(inFolder(u"\x00E4\\\xD83D\xDE00.BIN"));
+    EXPECT_TRUE(inFolder(u"Folder/.\\\\..\\Folder\\Image.dll"));
+    EXPECT_TRUE(isImage(u"\\\\?\\" + folder.DrivePath(u"Folder\\Image.dll")));
+    const std::u16string plain = (folder.Path() / "Folder/Image.dll").u16string();
+    EXPECT_TRUE(isImage(plain));
+    EXPECT_TRUE(isImage(u"c:" + plain));
+    EXPECT_TRUE(isImage(std::filesystem::relative(folder.Path() / "Folder/Image.dll").u16string()));
+    for (const std::u16string& none :
+         {u"Z:" + plain, u"1:" + plain, u"\\\\server" + plain, std::u16string()}) {
+        SetLastError(ERROR_SUCCESS);
+        EXPECT_FALSE(isImage(none));
+        EXPECT_EQ(GetLastError(), ERROR_PATH_NOT_FOUND);
+    }
+}
+
+TEST(Version, IsReportedAsOneLevel)
+{
+    OSVERSIONINFOEXW info;
+    std::memset(static_cast<void*>(&info), 0xEE, sizeof(info));
+    info.dwOSVersionInfoSize = 276;
+    ASSERT_TRUE(GetVersionExW(&info));
+    EXPECT_EQ(info.dwMajorVersion * 100 + info.dwMinorVersion, 602u);
+    EXPECT_EQ(info.dwPlatformId, DWORD(VER_PLATFORM_WIN32_NT));
+    EXPECT_EQ(info.wServicePackMajor, 0xEEEE) << "the short record has none";
+    info.dwOSVersionInfoSize = 280;
+    EXPECT_FALSE(GetVersionExW(&info));
+}
