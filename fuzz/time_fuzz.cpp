@@ -28,7 +28,8 @@ static_assert(sizeof(Input) == 32);
 constexpr const char* kLocales[] = {"en-US", "de-DE", "fr-FR", "hi-IN", "ar-SA", "sv-SE"};
 constexpr double kRates[] = {30.0, 30000.0 / 1001.0, 25.0, 24.0, 0.005, 1e9};
 constexpr uint32_t kSamples[] = {44'100, 48'000, 192'000, 1, 0xFFFFFFFFu, 0};
-constexpr size_t kFullRoom = 64; // that serves every format
+constexpr size_t kFullRoom = 64;  // that serves every format
+constexpr uint32_t kMostSign = 7; // characters
 
 template <class T, size_t Count>
 T Choose(const T (&values)[Count], uint8_t choice)
@@ -117,7 +118,8 @@ void ReadParts(const char16_t* text, const char16_t* textEnd, const _vxposfmt& s
     }
 }
 
-// The bounded text is the beginning of the whole one.
+// What has room is written the same with a capacity. A number also needs room for the locale's own minus,
+// which the plain one then replaces.
 void Write(const _vxposfmt& settings, int64_t nanos, uint32_t capacity)
 {
     const auto whole = std::make_unique<char16_t[]>(kFullRoom);
@@ -128,7 +130,7 @@ void Write(const _vxposfmt& settings, int64_t nanos, uint32_t capacity)
         const int32_t kept = VxNanoTimeToTextExN(cut.get(), capacity, &settings, nanos, flags);
         Require(kept >= 0 && uint32_t(kept) < std::max(1u, capacity));
         Require(capacity == 0 || cut[size_t(kept)] == 0);
-        Require(uint32_t(length) >= capacity ||
+        Require(uint32_t(length) + kMostSign >= capacity ||
                 (kept == length && std::equal(&cut[0], &cut[kept], &whole[0])));
     }
 }
