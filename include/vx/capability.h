@@ -6,9 +6,10 @@
  * first call on its main thread. The pixel operations themselves never run that step.
  *
  * A host narrows what the library uses with the allow mask. Change it while no pixel work runs: an
- * operation reads it once, when it starts. Without VX_CPU_SSE2 every operation takes its plain form;
- * vector code needs VX_CPU_SSSE3 (128 bits), VX_CPU_SSE41 with VX_CPU_SSE42 (128 bits), or all of
- * VX_CPU_VECTOR (256 and 512 bits, as the processor has them). Results are the same on every path.
+ * operation reads it once, when it starts. Vector code of 128 bits needs VX_CPU_SSE to VX_CPU_SSSE3,
+ * its better form VX_CPU_SSE to VX_CPU_SSE42, and vectors of 256 and 512 bits these and VX_CPU_AVX;
+ * what misses one of them takes the form below, and in the end the plain one. Results are the same on
+ * every path.
  *
  * The readers are safe on any thread. */
 #ifndef VX_CAPABILITY_H

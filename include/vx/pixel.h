@@ -110,13 +110,14 @@ VX_EXPORT int32_t VxGetPixelType(const BITMAPINFOHEADER* header);
 VX_EXPORT int32_t VxPixelTypeToBitAttribs(int32_t type, uint32_t* outCompression, VxBitAttribs* outRecord,
                                           int32_t recordBytes, uint32_t* outMasks);
 
-/* Widths in bits of the channels red, green, blue, alpha, into 4 bytes; returns the bits a pixel.
+/* Widths in bits of the channels red, green, blue, alpha, into 4 bytes (not null); returns the bits a pixel.
  * Gray types have their width in the fourth byte; palette types have the width of the table's
  * entries; YUV and unknown types give 0 throughout. */
 VX_EXPORT int32_t VxGetPixelBitsPerChannel(int32_t type, uint8_t* out);
 
 /* Bytes of the YUV image that biWidth, biHeight and biCompression describe; 0 for any other
- * compression. outPlanes may be null. */
+ * compression, with a record of zeros. outPlanes may be null. Products wrap at 32 bits and are
+ * unsigned, so that images of up to 4 GiB are told right; negative sizes have no defined result. */
 VX_EXPORT uint32_t VxYUVImageBytesAndOffsets(const BITMAPINFOHEADER* header, VxYuvPlanes* outPlanes);
 
 /* Writes the header for a type, and the masks or the colour table behind it.
@@ -145,7 +146,9 @@ VX_EXPORT HRESULT VxDibInfo(uint32_t* outHeaderBytes, uint32_t* outImageBytes, B
  *   flags          VXDIBALLOC_ZERO; the pixels are undefined without. Other bits have no effect.
  *   tag            not read
  * E_INVALIDARG for an unknown type; E_OUTOFMEMORY without memory, and where width or height are
- * negative or the sizes in the header would wrap. The block is movable global memory, locked. */
+ * negative or the sizes in the header would wrap. The block is movable global memory, locked. A
+ * palette with paletteCount 0 on a BI_RGB type of 8 bits or fewer leaves biClrUsed 0, which means a
+ * full table: the block has room for it, though VxDibInfo counts none. */
 VX_EXPORT HRESULT VxDibAlloc(BITMAPINFOHEADER** outDib, int32_t type, int32_t width, int32_t height,
                              const RGBQUAD* palette, int32_t paletteCount, uint32_t flags, intptr_t tag);
 

@@ -6,6 +6,8 @@
 #include "vx/capability.h"
 #include "vx/channels.h"
 #include "vx/composite.h"
+#include "vx/curve.h"
+#include "vx/dib.h"
 #include "vx/formattext.h"
 #include "vx/internationals.h"
 #include "vx/list.h"
@@ -13,8 +15,10 @@
 #include "vx/osversion.h"
 #include "vx/pixel.h"
 #include "vx/print.h"
+#include "vx/ruler.h"
 #include "vx/smpte.h"
 #include "vx/timer.h"
 #include "vx/types.h"
+#include "vx/xchg.h"
 
 #endif

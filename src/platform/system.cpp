@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr DWORD kAllocationGranularity = 65536; // what callers written for the original interface expect
+constexpr DWORD kAllocationGranularity = 65536; // where mappings may begin
 constexpr uintptr_t kLowestAddress = 0x10000;
 constexpr uintptr_t kHighestAddress = 0x7FFFFFFEFFFF;
 
