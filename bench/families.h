@@ -9,5 +9,7 @@ void AddMixWorks(Suite& suite);
 void AddChannelWorks(Suite& suite);
 void AddCompositeWorks(Suite& suite);
 void AddListWorks(Suite& suite);
+void AddTextWorks(Suite& suite);
+void AddTimeWorks(Suite& suite);
 
 } // namespace vxbench

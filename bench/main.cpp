@@ -2,7 +2,10 @@
 #include "families.h"
 #include "peers.h"
 #include "report.h"
+#include "text/tokens.h"
 #include "vx/capability.h"
+#include "vx/internationals.h"
+#include "vx/platform/locale.h"
 
 #include <algorithm>
 #include <benchmark/benchmark.h>
@@ -69,6 +72,14 @@ void SetUpBenchmark()
     benchmark::Initialize(&count, arguments);
 }
 
+// What text needs. In English, so that peers without a locale can give the same text.
+void StartKernel()
+{
+    VxPlatform_SetUserLocale("en-US");
+    VxLang_GetInternationals(nullptr, 0);
+    vx::CreatePrintTokens();
+}
+
 void ShowProgress(const std::string& work, size_t number, size_t count)
 {
     std::fprintf(stderr, "[%zu/%zu] %s\n", number, count, work.c_str());
@@ -80,6 +91,7 @@ int Run(const Options& options)
     // The probe flushes denormals on this thread. Values that in-place work shrinks call after call
     // would otherwise slow all contenders by turns.
     VxGetCPUSupport(0);
+    StartKernel();
     SetUpPeers();
     SetUpBenchmark();
 
@@ -88,6 +100,8 @@ int Run(const Options& options)
     AddChannelWorks(suite);
     AddCompositeWorks(suite);
     AddListWorks(suite);
+    AddTextWorks(suite);
+    AddTimeWorks(suite);
     const auto outcomes = suite.Run(options.filter, options.quick ? kQuick : kThorough, ShowProgress);
 
     PrintTable(outcomes);

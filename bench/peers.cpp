@@ -13,6 +13,7 @@ std::string PeersText()
     IF_OPENCV(found += " OpenCV " CV_VERSION;)
     IF_LIBYUV(found += " libyuv";)
     IF_PIXMAN(found += " pixman " PIXMAN_VERSION_STRING;)
+    IF_FMT(found += " fmt " + std::to_string(FMT_VERSION / 10000);)
     return found.empty() ? "peers: plain loops only" : "peers:" + found + ", plain loops";
 }
 

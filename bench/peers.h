@@ -1,5 +1,5 @@
-// The peer libraries: each is optional, and its calls stand inside IF_OPENCV, IF_LIBYUV or IF_PIXMAN,
-// which leave nothing where the library is missing.
+// The peer libraries: each is optional, and its calls stand inside IF_OPENCV, IF_LIBYUV, IF_PIXMAN or
+// IF_FMT, which leave nothing where the library is missing.
 #pragma once
 
 #include "frames.h"
@@ -26,6 +26,13 @@
 #define IF_PIXMAN(...) __VA_ARGS__
 #else
 #define IF_PIXMAN(...)
+#endif
+
+#if VX_BENCH_FMT
+#include <fmt/format.h>
+#define IF_FMT(...) __VA_ARGS__
+#else
+#define IF_FMT(...)
 #endif
 
 namespace vxbench {

@@ -68,7 +68,7 @@ int64_t ReadByFormat(const char16_t* text, const _vxposfmt& format, uint32_t fla
     case VXPOSFMT_SAMPLES:
         return ReadSamples(text, format, end);
     case VXPOSFMT_TIME:
-        return VxTextToTimeToken(text, &format, shortForm, end) * 10'000;
+        return int64_t(uint64_t(VxTextToTimeToken(text, &format, shortForm, end)) * 10'000);
     case VXPOSFMT_SECONDS:
         return ReadSeconds(text, end);
     case VXPOSFMT_TIME_FRAMES:

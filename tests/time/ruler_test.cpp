@@ -101,6 +101,14 @@ TEST_F(Ruler, RoundsEachFormatItsOwnWay)
         EXPECT_EQ(Text(Format(c.format), c.nanos, c.flags), c.want) << c.name;
 }
 
+TEST_F(Ruler, WhatExceedsATimeWraps)
+{
+    constexpr int64_t kMost = std::numeric_limits<int64_t>::max();
+    EXPECT_EQ(Text(Format(VXPOSFMT_MICROS), kMost), u"-922,337,203,685,477,580");
+    EXPECT_EQ(Read(u"4294967295:59:59.999", Format(VXPOSFMT_TIME)),
+              int64_t(15'461'882'265'599'999u * 10'000u));
+}
+
 TEST_F(Ruler, OffsetMovesPositionsNotLengths)
 {
     _vxposfmt format = Format(VXPOSFMT_TIME);
