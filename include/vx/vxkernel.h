@@ -6,6 +6,7 @@
 #include "vx/capability.h"
 #include "vx/composite.h"
 #include "vx/pixel.h"
+#include "vx/scale.h"
 #include "vx/smpte.h"
 #include "vx/timer.h"
 #include "vx/types.h"
