@@ -1,5 +1,14 @@
 // The mean of what each destination pixel covers, on both axes.
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "dib/scale_box.cpp"
+#include <hwy/foreach_target.h> // includes this file once for each target
+#include <hwy/highway.h>
+
+#ifndef VX_SCALE_BOX_PLAIN
+#define VX_SCALE_BOX_PLAIN
+
 #include "dib/scale_box.h"
+#include "kernel/vector_targets.h"
 
 #include <bit>
 
@@ -10,12 +19,8 @@ template <class Pixel, class Sum>
 Channels<Sum> SumOfBlock(const ScaleJob& job, const BoxSpan& x, const BoxSpan& y)
 {
     Channels<Sum> sum{};
-    for (int32_t row = y.first; row <= y.last; ++row) {
-        const uint8_t* const pixels = job.SourceRow(row);
-        const int32_t rowShare = ShareAt(y, row);
-        for (int32_t column = x.first; column <= x.last; ++column)
-            AddShare(sum, LoadPixel<Pixel>(pixels, column), CoverageProduct(ShareAt(x, column), rowShare));
-    }
+    for (int32_t row = y.first; row <= y.last; ++row)
+        AddColumns<Pixel>(sum, job.SourceRow(row), x, ShareAt(y, row));
     return sum;
 }
 
@@ -25,12 +30,15 @@ int64_t Area(int32_t width, int32_t height)
     return int64_t(width) * height >> kSubpixelBits;
 }
 
-// To the nearest integer, of two the even one: a double that adds 1.5 * 2^52 has no room for a
-// fraction, and the integer in its low bits. The small term makes halves of inexact quotients go up.
+// A sum times the reciprocal of its area goes to the nearest integer, of two to the even one: a double
+// that has 1.5 * 2^52 added has no room for a fraction, and the integer in its low bits. The small term
+// lifts halves that the reciprocal left just below.
+constexpr double kLift = 1.5e-8;
+constexpr double kNoFraction = 0x1.8p52;
+
 uint8_t RoundedMean(double sum, double reciprocal)
 {
-    const double shifted = sum * reciprocal + 1.5e-8 + 0x1.8p52;
-    return uint8_t(std::bit_cast<uint64_t>(shifted));
+    return uint8_t(std::bit_cast<uint64_t>(sum * reciprocal + kLift + kNoFraction));
 }
 
 template <class Sum>
@@ -68,38 +76,223 @@ Channels<float> PartMean(const Channels<double>& sum, int64_t area)
 }
 
 // A part of a destination pixel that covers less than one unit of the source leaves it alone.
-template <class Pixel, class Sum>
-void BlendMean(const ScaleJob& job, uint8_t* at, int32_t k, int32_t rowCoverage, const BoxSpan& y)
-{
-    const BoxSpan x = BoxSpanAt(job.x, k);
-    const int64_t area = Area(x.length, y.length);
-    if (area >= 1)
-        StorePixel(at, PartMean(SumOfBlock<Pixel, Sum>(job, x, y), area),
-                   BoxCoverage<Pixel>(job.x.Coverage(k), rowCoverage));
-}
+// A run of columns with what each covers, so that it is worked out once for all rows.
+constexpr int32_t kStripColumns = 1024;
 
+struct Strip
+{
+    int32_t start, count;
+    BoxSpan spans[kStripColumns];
+
+    Strip(const ScaleAxis& axis, int32_t startAt)
+        : start(startAt), count(std::min(axis.count - startAt, kStripColumns))
+    {
+        for (int32_t k = 0; k < count; ++k)
+            spans[k] = BoxSpanAt(axis, start + k);
+    }
+};
+
+// Writes the columns `begin` to `end` of a strip; dest is the pixel of column 0.
 template <class Pixel, class Sum>
-void BoxRow(const ScaleJob& job, uint8_t* dest, int32_t begin, int32_t end, const BoxSpan& y)
+void BoxRow(const ScaleJob& job, const Strip& strip, uint8_t* dest, int32_t begin, int32_t end,
+            const BoxSpan& y)
 {
     const int64_t area = Area(job.x.step, job.y.step);
     for (int32_t k = begin; k < end; ++k) {
-        const auto mean = WholeMean(SumOfBlock<Pixel, Sum>(job, BoxSpanAt(job.x, k), y), area);
+        const auto mean = WholeMean(SumOfBlock<Pixel, Sum>(job, strip.spans[k], y), area);
         std::memcpy(dest + int64_t(Pixel::kBytes) * k, mean.data(), sizeof(mean));
     }
 }
 
-template <class Pixel, class Sum>
-void Box(const ScaleJob& job)
+using BoxRowFn = void (*)(const ScaleJob&, const Strip&, uint8_t*, int32_t, int32_t, const BoxSpan&);
+
+// Boxes above this keep the plain form: so many rows fit 16 bits, and the sums of a pixel's edges, all
+// of 16384 times 255, fit 32.
+constexpr int32_t kVectorSide = 64 * kSubpixelOne;
+
+} // namespace
+} // namespace vx
+
+#endif // VX_SCALE_BOX_PLAIN
+
+HWY_BEFORE_NAMESPACE();
+namespace vx {
+namespace HWY_NAMESPACE {
+namespace {
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+constexpr int32_t kLinePixels = 1024;
+constexpr int32_t kChunkColumns = 128;
+
+// The lanes of one pixel.
+using Ints = hn::FixedTag<int32_t, 4>;
+using IntVec = hn::Vec<Ints>;
+
+IntVec LoadQuad(const uint8_t* pixel)
 {
-    for (int32_t row = 0; row < job.y.count; ++row) {
-        const BoxSpan y = BoxSpanAt(job.y, row);
-        const int32_t coverage = job.y.Coverage(row);
-        uint8_t* const dest = job.DestRow(row) + int64_t(Pixel::kBytes) * job.x.firstPixel;
-        ForColumns(
-            job, coverage, 0, job.x.count,
-            [&](int32_t k) { BlendMean<Pixel, Sum>(job, dest + int64_t(Pixel::kBytes) * k, k, coverage, y); },
-            [&](int32_t begin, int32_t end) { BoxRow<Pixel, Sum>(job, dest, begin, end, y); });
+    return hn::PromoteTo(Ints(), hn::LoadU(hn::FixedTag<uint8_t, 4>(), pixel));
+}
+
+IntVec LoadQuad(const uint16_t* pixel)
+{
+    return hn::PromoteTo(Ints(), hn::LoadU(hn::FixedTag<uint16_t, 4>(), pixel));
+}
+
+// The rows that lie in the box whole, summed column by column.
+void SumRows(uint16_t* line, const uint8_t* first, int32_t stride, int32_t rows, int32_t values)
+{
+    const hn::ScalableTag<uint16_t> lanes;
+    const hn::Rebind<uint8_t, decltype(lanes)> bytes;
+    const int32_t step = int32_t(hn::Lanes(lanes));
+    int32_t i = 0;
+    for (; i + step <= values; i += step) {
+        auto sum = hn::Zero(lanes);
+        const uint8_t* at = first + i;
+        for (int32_t row = 0; row < rows; ++row, at += stride)
+            sum = hn::Add(sum, hn::PromoteTo(lanes, hn::LoadU(bytes, at)));
+        hn::StoreU(sum, lanes, line + i);
     }
+    for (; i < values; ++i) {
+        line[i] = 0;
+        for (int32_t row = 0; row < rows; ++row)
+            line[i] = uint16_t(line[i] + first[int64_t(stride) * row + i]);
+    }
+}
+
+// Sums over a span of a line: its inner pixels, and its edge pixels by their shares of a row's share.
+template <class Value>
+struct LineSums
+{
+    IntVec inner, edges;
+
+    LineSums(const Value* line, const BoxSpan& x, int32_t firstColumn, int32_t rowShare)
+        : inner(hn::Zero(Ints()))
+    {
+        const Value* const first = line + 4 * (x.first - firstColumn);
+        const Value* const last = line + 4 * (x.last - firstColumn);
+        for (const Value* at = first + 4; at < last; at += 4)
+            inner = hn::Add(inner, LoadQuad(at));
+        const auto product = [rowShare](const Value* at, int32_t share) {
+            return hn::Mul(LoadQuad(at), hn::Set(Ints(), CoverageProduct(share, rowShare)));
+        };
+        edges = hn::Add(product(first, x.firstShare), product(last, x.lastShare));
+    }
+};
+
+// A row that lies in the box in part; none has the share 0.
+struct PartRow
+{
+    const uint8_t* pixels;
+    int32_t share;
+};
+
+void AddPartRow(IntVec& sum, const PartRow& row, const BoxSpan& x)
+{
+    const LineSums<uint8_t> sums(row.pixels, x, 0, row.share);
+    sum = hn::Add(sum, hn::Add(sums.edges, hn::Mul(sums.inner, hn::Set(Ints(), row.share))));
+}
+
+// Whole pixels of the box weigh 16384 and are summed apart from the rest, so that both fit 32 bits.
+void WriteMeans(uint8_t* dest, const int32_t* whole, const int32_t* rest, int32_t values, double reciprocal)
+{
+    const hn::CappedTag<double, 4> lanes;
+    const hn::Rebind<int32_t, decltype(lanes)> ints;
+    const hn::Rebind<uint8_t, decltype(lanes)> bytes;
+    const int32_t step = int32_t(hn::Lanes(lanes));
+    for (int32_t i = 0; i < values; i += step) { // of 4 or a part of it
+        const auto ofWhole = hn::PromoteTo(lanes, hn::LoadU(ints, whole + i));
+        const auto ofRest = hn::PromoteTo(lanes, hn::LoadU(ints, rest + i));
+        const auto sum = hn::Add(hn::Mul(ofWhole, hn::Set(lanes, double(kSubpixelOne))), ofRest);
+        const auto mean = hn::Add(hn::Mul(sum, hn::Set(lanes, reciprocal)), hn::Set(lanes, kLift));
+        const auto rounded =
+            hn::BitCast(hn::RebindToUnsigned<decltype(lanes)>(), hn::Add(mean, hn::Set(lanes, kNoFraction)));
+        hn::StoreU(hn::TruncateTo(bytes, rounded), bytes, dest + i);
+    }
+}
+
+void BoxByteRow(const ScaleJob& job, const Strip& strip, uint8_t* dest, int32_t begin, int32_t end,
+                const BoxSpan& y)
+{
+    const double reciprocal = 1.0 / double(Area(job.x.step, job.y.step));
+    const bool partFirst = y.firstShare != kSubpixelOne,
+               partLast = y.last > y.first && y.lastShare != kSubpixelOne;
+    const PartRow top{job.SourceRow(y.first), partFirst ? y.firstShare : 0};
+    const PartRow bottom{job.SourceRow(y.last), partLast ? y.lastShare : 0};
+    const int32_t wholeFirst = y.first + partFirst, wholeRows = y.last - partLast - wholeFirst + 1;
+    const int32_t chunkColumns = std::min(kChunkColumns, (kLinePixels - 2) * kSubpixelOne / job.x.step);
+    HWY_ALIGN uint16_t line[4 * kLinePixels];
+    HWY_ALIGN int32_t whole[4 * kChunkColumns], rest[4 * kChunkColumns];
+    for (int32_t chunk = begin; chunk < end; chunk += chunkColumns) {
+        const int32_t last = std::min(chunk + chunkColumns, end);
+        const int32_t firstColumn = strip.spans[chunk].first;
+        SumRows(line, job.SourceRow(wholeFirst) + 4 * int64_t(firstColumn), job.sourceStride, wholeRows,
+                4 * (strip.spans[last - 1].last - firstColumn + 1));
+        for (int32_t k = chunk; k < last; ++k) {
+            const BoxSpan& x = strip.spans[k];
+            const LineSums<uint16_t> sums(line, x, firstColumn, kSubpixelOne);
+            IntVec sum = sums.edges;
+            if (top.share != 0)
+                AddPartRow(sum, top, x);
+            if (bottom.share != 0)
+                AddPartRow(sum, bottom, x);
+            hn::StoreU(sums.inner, Ints(), whole + 4 * (k - chunk));
+            hn::StoreU(sum, Ints(), rest + 4 * (k - chunk));
+        }
+        WriteMeans(dest + 4 * int64_t(chunk), whole, rest, 4 * (last - chunk), reciprocal);
+    }
+}
+
+} // namespace
+} // namespace HWY_NAMESPACE
+} // namespace vx
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+
+namespace vx {
+namespace {
+
+HWY_EXPORT(BoxByteRow);
+
+// A part of a destination pixel that covers less than one unit of the source leaves it alone.
+template <class Pixel, class Sum>
+void BlendMean(const ScaleJob& job, uint8_t* at, const BoxSpan& x, const BoxSpan& y, int32_t coverX,
+               int32_t coverY)
+{
+    const int64_t area = Area(x.length, y.length);
+    if (area >= 1)
+        StorePixel(at, PartMean(SumOfBlock<Pixel, Sum>(job, x, y), area), BoxCoverage<Pixel>(coverX, coverY));
+}
+
+template <class Pixel, class Sum>
+void Box(const ScaleJob& job, BoxRowFn workRow)
+{
+    for (int32_t first = 0; first < job.x.count; first += kStripColumns) {
+        const Strip strip(job.x, first);
+        for (int32_t row = 0; row < job.y.count; ++row) {
+            const BoxSpan y = BoxSpanAt(job.y, row);
+            const int32_t coverage = job.y.Coverage(row);
+            uint8_t* const dest = job.DestRow(row) + int64_t(Pixel::kBytes) * (job.x.firstPixel + first);
+            ForColumns(
+                job, coverage, first, first + strip.count,
+                [&](int32_t k) {
+                    BlendMean<Pixel, Sum>(job, dest + int64_t(Pixel::kBytes) * (k - first),
+                                          strip.spans[k - first], y, job.x.Coverage(k), coverage);
+                },
+                [&](int32_t begin, int32_t end) {
+                    workRow(job, strip, dest, begin - first, end - first, y);
+                });
+        }
+    }
+}
+
+template <class Sum>
+void BoxBytes(const ScaleJob& job)
+{
+    const bool small = job.x.step <= kVectorSide && job.y.step <= kVectorSide;
+    const BoxRowFn plain = BoxRow<BytePixel, Sum>;
+    Box<BytePixel, Sum>(job, small ? VX_VECTOR_FORM(BoxByteRow, (BoxRow<BytePixel, Sum>)) : plain);
 }
 
 } // namespace
@@ -107,11 +300,13 @@ void Box(const ScaleJob& job)
 void ScaleBox(const ScaleJob& job, int32_t bytesPerPixel)
 {
     if (bytesPerPixel == FloatPixel::kBytes)
-        Box<FloatPixel, double>(job);
+        Box<FloatPixel, double>(job, BoxRow<FloatPixel, double>);
     else if (WidestSpan(job.x) * WidestSpan(job.y) * kSubpixelOne * 255 < kNarrowSums)
-        Box<BytePixel, uint32_t>(job);
+        BoxBytes<uint32_t>(job);
     else
-        Box<BytePixel, uint64_t>(job);
+        BoxBytes<uint64_t>(job);
 }
 
 } // namespace vx
+
+#endif // HWY_ONCE

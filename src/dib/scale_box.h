@@ -21,18 +21,42 @@ inline int32_t ShareAt(const BoxSpan& span, int32_t pixel)
     return pixel == span.first ? span.firstShare : pixel == span.last ? span.lastShare : kSubpixelOne;
 }
 
+// What a share multiplies a channel by.
 template <class Sum>
-void AddShare(Channels<Sum>& sum, const Channels<uint8_t>& pixel, int32_t share)
+Sum Multiplier(int32_t share)
 {
-    for (size_t c = 0; c < 4; ++c)
-        sum[c] += Sum(pixel[c]) * Sum(share);
+    if constexpr (std::is_same_v<Sum, double>)
+        return double(float(share) * kSubpixelToPixel);
+    else
+        return Sum(share);
 }
 
-template <class Value>
-void AddShare(Channels<double>& sum, const Channels<Value>& pixel, int32_t share)
+template <class Sum, class Value>
+void Add(Channels<Sum>& sum, const Channels<Value>& pixel)
 {
     for (size_t c = 0; c < 4; ++c)
-        sum[c] += double(pixel[c]) * double(float(share) * kSubpixelToPixel);
+        sum[c] += Sum(pixel[c]);
+}
+
+template <class Sum, class Value>
+void AddShare(Channels<Sum>& sum, const Channels<Value>& pixel, int32_t share)
+{
+    const Sum multiplier = Multiplier<Sum>(share);
+    for (size_t c = 0; c < 4; ++c)
+        sum[c] += Sum(pixel[c]) * multiplier;
+}
+
+// Adds the span's pixels of a row, each by its own share of the row's.
+template <class Pixel, class Sum>
+void AddColumns(Channels<Sum>& sum, const uint8_t* row, const BoxSpan& x, int32_t rowShare)
+{
+    Channels<Sum> whole{};
+    for (int32_t column = x.first + 1; column < x.last; ++column)
+        Add(whole, LoadPixel<Pixel>(row, column));
+    AddShare(sum, LoadPixel<Pixel>(row, x.first), CoverageProduct(x.firstShare, rowShare));
+    AddShare(sum, whole, rowShare);
+    if (x.last != x.first)
+        AddShare(sum, LoadPixel<Pixel>(row, x.last), CoverageProduct(x.lastShare, rowShare));
 }
 
 // Along a row.
@@ -40,8 +64,7 @@ template <class Pixel, class Sum>
 Channels<Sum> SumOfColumns(const uint8_t* row, const BoxSpan& x)
 {
     Channels<Sum> sum{};
-    for (int32_t column = x.first; column <= x.last; ++column)
-        AddShare(sum, LoadPixel<Pixel>(row, column), ShareAt(x, column));
+    AddColumns<Pixel>(sum, row, x, kSubpixelOne);
     return sum;
 }
 

@@ -79,16 +79,18 @@ Channels<float> Filtered(FloatPixel, const CubicRows& rows, const CubicTaps& x)
 
 // A run of columns with what each samples, so that it is worked out once for all rows.
 constexpr int32_t kStripColumns = 1024;
-constexpr int32_t kSpareLanes = 16; // a vector may be loaded where fewer columns are left
+constexpr int32_t kChunkColumns = 128; // whose source columns are filtered into one line
+constexpr int32_t kSpareLanes = 16;    // a vector may be loaded where fewer columns are left
 
 struct Strip
 {
     const ScaleAxis& axis;
     int32_t start, count;
-    bool far;                       // columns are so far apart that they share few source columns
-    int32_t begin, end;             // the columns whose four source columns are read as they are
-    int32_t first[kStripColumns];   // of the four
-    int32_t weights[kStripColumns]; // row of the weight tables
+    bool far;                         // columns are so far apart that they share few source columns
+    int32_t begin, end;               // the columns whose four source columns are read as they are
+    int32_t first[kStripColumns];     // of the four
+    int32_t weights[kStripColumns];   // row of the weight tables
+    int32_t linePlace[kStripColumns]; // of `first` in the line of its chunk, in values
     int32_t firstPair[kStripColumns + kSpareLanes], lastPair[kStripColumns + kSpareLanes];
 
     Strip(const ScaleAxis& wholeAxis, int32_t startAt)
@@ -98,11 +100,12 @@ struct Strip
         for (int32_t k = 0; k < count; ++k) {
             const int32_t position = axis.Position(start + k);
             const int32_t pixel = position >> kSubpixelBits;
+            first[k] = pixel - 2;
             if (CubicTapsInFrame(axis, pixel)) {
                 begin = std::min(begin, k);
                 end = k + 1;
+                linePlace[k] = 4 * (first[k] - FirstOfChunk(k));
             }
-            first[k] = pixel - 2;
             weights[k] = SubpixelFraction(position) / 4;
             const auto& w = kCubicIntegers[size_t(weights[k])];
             firstPair[k] = Pair(w[0], w[1]);
@@ -112,6 +115,9 @@ struct Strip
         std::fill_n(firstPair + count, kSpareLanes, 0);
         std::fill_n(lastPair + count, kSpareLanes, 0);
     }
+
+    // The first source column of the chunk's columns that are read as they are.
+    int32_t FirstOfChunk(int32_t k) const { return first[std::max(k - k % kChunkColumns, begin)]; }
 
     CubicTaps Taps(int32_t k) const { return CubicTapsAt(axis, start + k, true); }
 
@@ -152,29 +158,30 @@ using Ints = hn::RebindToSigned<Floats>;
 using Words = hn::Repartition<int16_t, Ints>;
 constexpr int32_t kLanes = int32_t(hn::MaxLanes(Floats()));
 constexpr int32_t kVectorPixels = kLanes / 4;
-constexpr int32_t kChunkColumns = 128;
 constexpr int32_t kLinePixels = kChunkColumns * (Strip::kFarStep / kSubpixelOne) + 8;
 
-// A 16-byte block for each of the vector's columns, which stands `stride` elements from the next.
-template <class D, class T>
-hn::Vec<D> GatherBlocks(D d, const T* line, int32_t stride, const int32_t* columns, int32_t first)
+// A 16-byte block for each column of the vector: of every `every`th place, at multiples of `scale`
+// values.
+template <int32_t every, class D, class T>
+hn::Vec<D> GatherBlocks(D d, const T* from, const int32_t* places, int64_t scale)
 {
     if constexpr (hn::MaxLanes(d) * sizeof(T) == 16) {
-        return hn::LoadU(d, line + int64_t(stride) * (columns[0] - first));
+        return hn::LoadU(d, from + scale * places[0]);
     } else {
         const hn::Half<D> half;
-        constexpr size_t kHalfColumns = hn::MaxLanes(half) * sizeof(T) / 16;
-        return hn::Combine(d, GatherBlocks(half, line, stride, columns + kHalfColumns, first),
-                           GatherBlocks(half, line, stride, columns, first));
+        constexpr int32_t kNextHalf = every * int32_t(hn::MaxLanes(half) * sizeof(T) / 16);
+        return hn::Combine(d, GatherBlocks<every>(half, from, places + kNextHalf, scale),
+                           GatherBlocks<every>(half, from, places, scale));
     }
 }
 
-// One value a column, each spread over the lanes of its pixel.
-hn::Vec<Ints> SpreadColumns(const int32_t* values)
+// One value a column, each spread over the lanes of its pixel: of every second column from `first`.
+hn::Vec<Ints> SpreadColumns(const int32_t* values, int32_t first)
 {
     const Ints lanes;
-    const auto pixelOfLane = hn::IndicesFromVec(lanes, hn::ShiftRight<2>(hn::Iota(lanes, 0)));
-    return hn::TableLookupLanes(hn::LoadU(lanes, values), pixelOfLane);
+    const auto pixel = hn::ShiftRight<2>(hn::Iota(lanes, 0));
+    const auto column = hn::IndicesFromVec(lanes, hn::Add(hn::Add(pixel, pixel), hn::Set(lanes, first)));
+    return hn::TableLookupLanes(hn::LoadU(lanes, values), column);
 }
 
 // a0 b0 + a1 b1 in each lane, of the 16-bit halves of the lanes.
@@ -247,44 +254,51 @@ void FilterRows(float* line, const CubicRows& rows, int64_t firstByte, int32_t v
     }
 }
 
-// Pixels of the columns k and on. A block of the line holds two pixels, whose channels are laid side
-// by side for the products.
-void FilterColumns(uint8_t* dest, const int16_t* line, int32_t first, const Strip& strip, int32_t k)
+// Two vectors of pixels, of the columns k and on. A block of the line holds two pixels, whose channels
+// are laid side by side for the products. Even and odd columns are worked apart: packing the two
+// vectors block by block then leaves pixels in order.
+void FilterColumns(uint8_t* dest, const int16_t* line, const Strip& strip, int32_t k)
 {
     const Ints lanes;
     const Words words;
     const hn::Repartition<uint8_t, Ints> bytesOfWords;
-    const hn::Rebind<uint8_t, Ints> bytes;
+    const hn::Rebind<uint8_t, Words> bytes;
     alignas(16) static constexpr uint8_t kPairs[16] = {0, 1, 8, 9, 2, 3, 10, 11, 4, 5, 12, 13, 6, 7, 14, 15};
     const auto pairs = hn::LoadDup128(bytesOfWords, kPairs);
-    const auto product = [&](const int16_t* from, const int32_t* weights) {
-        const auto pixels = hn::BitCast(bytesOfWords, GatherBlocks(words, from, 4, strip.first + k, first));
+    const auto product = [&](const int16_t* from, const int32_t* weights, int32_t odd) {
+        const auto pixels =
+            hn::BitCast(bytesOfWords, GatherBlocks<2>(words, from, strip.linePlace + k + odd, 1));
         return MulPairs(hn::BitCast(words, hn::TableLookupBytes(pixels, pairs)),
-                        hn::BitCast(words, SpreadColumns(weights + k)));
+                        hn::BitCast(words, SpreadColumns(weights + k, odd)));
     };
-    auto sum = hn::Add(product(line, strip.firstPair), product(line + 8, strip.lastPair));
-    sum = hn::ShiftRight<kSubpixelBits>(hn::Add(sum, hn::Set(lanes, kSubpixelOne / 2)));
-    hn::StoreU(hn::DemoteTo(bytes, sum), bytes, dest); // limits: rounding down below 0 does not show
+    const auto filter = [&](int32_t odd) {
+        const auto sum = hn::Add(product(line, strip.firstPair, odd), product(line + 8, strip.lastPair, odd));
+        return hn::ShiftRight<kSubpixelBits>(hn::Add(sum, hn::Set(lanes, kSubpixelOne / 2)));
+    };
+    const auto packed = hn::ReorderDemote2To(words, filter(0), filter(1));
+    hn::StoreU(hn::DemoteTo(bytes, packed), bytes, dest); // limits: rounding down below 0 does not show
 }
 
-void FilterColumns(uint8_t* dest, const float* line, int32_t first, const Strip& strip, int32_t k)
+void FilterColumns(uint8_t* dest, const float* line, const Strip& strip, int32_t k)
 {
     const Floats lanes;
-    const auto weights = GatherBlocks(lanes, kCubicFloats[0].data(), 4, strip.weights + k, 0);
-    const auto pixels = [&](int32_t tap) {
-        return GatherBlocks(lanes, line + 4 * tap, 4, strip.first + k, first);
-    };
-    auto sum =
-        hn::Add(hn::Mul(pixels(0), hn::Broadcast<0>(weights)), hn::Mul(pixels(1), hn::Broadcast<1>(weights)));
-    sum = hn::Add(sum, hn::Mul(pixels(2), hn::Broadcast<2>(weights)));
-    sum = hn::Add(sum, hn::Mul(pixels(3), hn::Broadcast<3>(weights)));
     const Ints ints;
     const auto three = hn::Set(ints, 3);
     const auto isAlpha = hn::RebindMask(lanes, hn::Eq(hn::And(hn::Iota(ints, 0), three), three));
     const auto zero = hn::Zero(lanes), one = hn::Set(lanes, 1.0f);
-    sum = hn::IfThenElse(hn::And(isAlpha, hn::Lt(sum, zero)), zero, sum); // compares keep a NaN
-    sum = hn::IfThenElse(hn::And(isAlpha, hn::Gt(sum, one)), one, sum);
-    hn::StoreU(sum, lanes, reinterpret_cast<float*>(dest));
+    for (const int32_t end = k + 2 * kVectorPixels; k < end; k += kVectorPixels, dest += 4 * kLanes) {
+        const auto weights = GatherBlocks<1>(lanes, kCubicFloats[0].data(), strip.weights + k, 4);
+        const auto pixels = [&](int32_t tap) {
+            return GatherBlocks<1>(lanes, line + 4 * tap, strip.linePlace + k, 1);
+        };
+        auto sum = hn::Add(hn::Mul(pixels(0), hn::Broadcast<0>(weights)),
+                           hn::Mul(pixels(1), hn::Broadcast<1>(weights)));
+        sum = hn::Add(sum, hn::Mul(pixels(2), hn::Broadcast<2>(weights)));
+        sum = hn::Add(sum, hn::Mul(pixels(3), hn::Broadcast<3>(weights)));
+        sum = hn::IfThenElse(hn::And(isAlpha, hn::Lt(sum, zero)), zero, sum); // compares keep a NaN
+        sum = hn::IfThenElse(hn::And(isAlpha, hn::Gt(sum, one)), one, sum);
+        hn::StoreU(sum, lanes, reinterpret_cast<float*>(dest));
+    }
 }
 
 // Filters each source column of a chunk once, then the chunk's pixels from the line of them.
@@ -295,14 +309,14 @@ void CubicRowVector(uint8_t* dest, const CubicRows& rows, const Strip& strip, in
     const int32_t freeEnd = strip.far ? end : std::clamp(strip.end, freeBegin, end);
     CubicRow<Pixel>(dest, rows, strip, begin, freeBegin);
     HWY_ALIGN Value line[4 * kLinePixels];
-    for (int32_t chunk = freeBegin; chunk < freeEnd; chunk += kChunkColumns) {
-        const int32_t last = std::min(chunk + kChunkColumns, freeEnd);
-        const int32_t first = strip.first[chunk];
+    for (int32_t k = freeBegin; k < freeEnd;) {
+        const int32_t last = std::min(k - k % kChunkColumns + kChunkColumns, freeEnd);
+        const int32_t first = strip.FirstOfChunk(k);
         FilterRows(line, rows, int64_t(Pixel::kBytes) * first, 4 * (strip.first[last - 1] + 4 - first));
-        int32_t k = chunk;
-        for (; k + kVectorPixels <= last; k += kVectorPixels)
-            FilterColumns(dest + int64_t(Pixel::kBytes) * k, line, first, strip, k);
+        for (; k + 2 * kVectorPixels <= last; k += 2 * kVectorPixels)
+            FilterColumns(dest + int64_t(Pixel::kBytes) * k, line, strip, k);
         CubicRow<Pixel>(dest, rows, strip, k, last);
+        k = last;
     }
     CubicRow<Pixel>(dest, rows, strip, freeEnd, end);
 }

@@ -63,7 +63,8 @@ void WriteMixed(uint8_t* dest, const RowPair& rows, const LinearTaps& x)
 
 // A run of columns with what each samples, so that it is worked out once for all rows.
 constexpr int32_t kStripColumns = 2048;
-constexpr int32_t kSpareLanes = 16; // a vector may be loaded where fewer columns are left
+constexpr int32_t kChunkColumns = 256; // whose source columns are mixed into one line
+constexpr int32_t kSpareLanes = 16;    // a vector may be loaded where fewer columns are left
 
 struct Strip
 {
@@ -72,6 +73,7 @@ struct Strip
     bool far;      // columns are so far apart that few source columns count
     int32_t here[kStripColumns], next[kStripColumns];
     float fraction[kStripColumns + kSpareLanes];
+    int32_t linePlace[kStripColumns]; // of `here` in the line of its chunk, in values
 
     Strip(const ScaleAxis& axis, int32_t first)
         : count(std::min(axis.count - first, kStripColumns)), onPixels(true), far(axis.step > kFarStep)
@@ -81,6 +83,7 @@ struct Strip
             here[k] = taps.here;
             next[k] = taps.next;
             fraction[k] = float(taps.fraction) * kSubpixelToPixel;
+            linePlace[k] = 4 * (taps.here - FirstOfChunk(k));
             onPixels = onPixels && taps.fraction == 0;
         }
         std::fill_n(fraction + count, kSpareLanes, 0.0f);
@@ -90,6 +93,8 @@ struct Strip
     {
         return {here[k], next[k], int32_t(fraction[k] * float(kSubpixelOne))};
     }
+
+    int32_t FirstOfChunk(int32_t k) const { return here[k - k % kChunkColumns]; }
 
     static constexpr int32_t kFarStep = 4 * kSubpixelOne;
 };
@@ -119,28 +124,29 @@ namespace hn = hwy::HWY_NAMESPACE;
 using Lanes = hn::ScalableTag<float>;
 constexpr int32_t kVectorPixels = int32_t(hn::MaxLanes(Lanes())) / 4;
 
-// Pixels of four floats each, one for each block of the vector. The row begins with column `first`.
-template <class D>
-hn::Vec<D> GatherPixels(D d, const void* row, const int32_t* columns, int32_t first)
+// Pixels of four floats each, one for each block of the vector: of every `every`th place, at multiples
+// of `scale` floats.
+template <int32_t every, class D>
+hn::Vec<D> GatherPixels(D d, const float* from, const int32_t* places, int64_t scale)
 {
     if constexpr (hn::MaxLanes(d) == 4) {
-        const auto* pixels = static_cast<const uint8_t*>(row);
-        return hn::LoadU(
-            d, reinterpret_cast<const float*>(pixels + int64_t(FloatPixel::kBytes) * (columns[0] - first)));
+        return hn::LoadU(d, from + scale * places[0]);
     } else {
         const hn::Half<D> half;
-        return hn::Combine(d, GatherPixels(half, row, columns + hn::MaxLanes(half) / 4, first),
-                           GatherPixels(half, row, columns, first));
+        constexpr int32_t kNextHalf = every * int32_t(hn::MaxLanes(half)) / 4;
+        return hn::Combine(d, GatherPixels<every>(half, from, places + kNextHalf, scale),
+                           GatherPixels<every>(half, from, places, scale));
     }
 }
 
-// One value a column, each spread over the lanes of its pixel.
-hn::Vec<Lanes> SpreadColumns(const float* values)
+// One value a column, each spread over the lanes of its pixel: of every `every`th column from `first`.
+hn::Vec<Lanes> SpreadColumns(hn::Vec<Lanes> values, int32_t every, int32_t first)
 {
     const Lanes lanes;
     const hn::RebindToSigned<Lanes> ints;
-    const auto pixelOfLane = hn::IndicesFromVec(lanes, hn::ShiftRight<2>(hn::Iota(ints, 0)));
-    return hn::TableLookupLanes(hn::LoadU(lanes, values), pixelOfLane);
+    const auto pixel = hn::ShiftRight<2>(hn::Iota(ints, 0));
+    const auto column = hn::Add(hn::Mul(pixel, hn::Set(ints, every)), hn::Set(ints, first));
+    return hn::TableLookupLanes(values, hn::IndicesFromVec(lanes, column));
 }
 
 // Source columns of a row pair mixed by the row's fraction, in 1/16384: exact in a float.
@@ -163,7 +169,6 @@ void MixRows(float* line, const uint8_t* here, const uint8_t* next, int32_t valu
         line[i] = float(here[i] * (kSubpixelOne - fraction) + next[i] * fraction);
 }
 
-constexpr int32_t kChunkColumns = 256;
 constexpr int32_t kLinePixels = kChunkColumns * (Strip::kFarStep / kSubpixelOne) + 4;
 
 // Mixes the rows first, once for each source column, then the columns, in floats and in units of
@@ -178,29 +183,41 @@ void LinearByteRow(uint8_t* dest, const RowPair& rows, const Strip& strip, int32
         return LinearRow<BytePixel>(dest, rows, strip, begin, end);
     const Lanes lanes;
     const hn::RebindToSigned<Lanes> ints;
-    const hn::Rebind<uint8_t, Lanes> bytes;
+    const hn::Repartition<int16_t, Lanes> words;
+    const hn::Rebind<uint8_t, decltype(words)> bytes;
     const bool exact = strip.onPixels || rows.fraction == 0;
-    const auto half = hn::Set(ints, kSubpixelOne / 2);
+    // A float that has 1.5 * 2^23 added has the nearest integer in its low bits.
+    const auto noFraction = hn::Set(lanes, 0x1.8p23f);
+    const auto lowBits = hn::Sub(hn::BitCast(ints, noFraction), hn::Set(ints, kSubpixelOne / 2));
     const auto doubtBits = hn::Set(ints, kSubpixelOne - 2);
     HWY_ALIGN float line[4 * kLinePixels];
-    for (int32_t chunk = begin; chunk < end; chunk += kChunkColumns) {
-        const int32_t last = std::min(chunk + kChunkColumns, end);
-        const int32_t first = strip.here[chunk];
-        MixRows(line, rows.here + 4 * int64_t(first), rows.next + 4 * int64_t(first),
-                4 * (strip.next[last - 1] - first + 1), rows.fraction);
-        int32_t k = chunk;
-        for (; k + kVectorPixels <= last; k += kVectorPixels) {
-            const auto here = GatherPixels(lanes, line, strip.here + k, first);
-            const auto next = GatherPixels(lanes, line, strip.next + k, first);
-            const auto part = hn::Mul(hn::Sub(next, here), SpreadColumns(strip.fraction + k));
-            const auto sum = hn::Add(hn::NearestInt(hn::Add(here, part)), half);
-            if (!exact && !hn::AllFalse(ints, hn::Eq(hn::And(sum, doubtBits), hn::Zero(ints))))
-                LinearRow<BytePixel>(dest, rows, strip, k, k + kVectorPixels);
-            else
-                hn::StoreU(hn::DemoteTo(bytes, hn::ShiftRight<kSubpixelBits>(sum)), bytes,
-                           dest + 4 * int64_t(k));
+    for (int32_t k = begin; k < end;) {
+        const int32_t last = std::min(k - k % kChunkColumns + kChunkColumns, end);
+        const int32_t first = strip.FirstOfChunk(k), pixels = strip.next[last - 1] - first + 1;
+        MixRows(line, rows.here + 4 * int64_t(first), rows.next + 4 * int64_t(first), 4 * pixels,
+                rows.fraction);
+        std::memcpy(line + 4 * pixels, line + 4 * (pixels - 1), FloatPixel::kBytes); // the last one's next
+        const auto mix = [&](hn::Vec<Lanes> fractions, int32_t odd) {
+            const auto here = GatherPixels<2>(lanes, line, strip.linePlace + k + odd, 1);
+            const auto next = GatherPixels<2>(lanes, line + 4, strip.linePlace + k + odd, 1);
+            const auto part = hn::Mul(hn::Sub(next, here), SpreadColumns(fractions, 2, odd));
+            return hn::Sub(hn::BitCast(ints, hn::Add(hn::Add(here, part), noFraction)), lowBits);
+        };
+        // Even and odd columns apart: packing two vectors block by block then leaves pixels in order.
+        for (; k + 2 * kVectorPixels <= last; k += 2 * kVectorPixels) {
+            const auto fractions = hn::LoadU(lanes, strip.fraction + k);
+            const auto even = mix(fractions, 0), odd = mix(fractions, 1);
+            const auto nearest = hn::Min(hn::And(even, doubtBits), hn::And(odd, doubtBits));
+            if (!exact && !hn::AllFalse(ints, hn::Eq(nearest, hn::Zero(ints)))) {
+                LinearRow<BytePixel>(dest, rows, strip, k, k + 2 * kVectorPixels);
+                continue;
+            }
+            const auto packed = hn::ReorderDemote2To(words, hn::ShiftRight<kSubpixelBits>(even),
+                                                     hn::ShiftRight<kSubpixelBits>(odd));
+            hn::StoreU(hn::DemoteTo(bytes, packed), bytes, dest + 4 * int64_t(k));
         }
         LinearRow<BytePixel>(dest, rows, strip, k, last);
+        k = last;
     }
 }
 
@@ -210,14 +227,16 @@ void LinearFloatRow(uint8_t* dest, const RowPair& rows, const Strip& strip, int3
     const auto one = hn::Set(lanes, 1.0f);
     const auto fy = hn::Set(lanes, float(rows.fraction) * kSubpixelToPixel);
     const auto restY = hn::Sub(one, fy);
+    const auto* here = reinterpret_cast<const float*>(rows.here);
+    const auto* next = reinterpret_cast<const float*>(rows.next);
     int32_t k = begin;
     for (; k + kVectorPixels <= end; k += kVectorPixels) {
-        const auto fx = SpreadColumns(strip.fraction + k);
+        const auto fx = SpreadColumns(hn::LoadU(lanes, strip.fraction + k), 1, 0);
         const auto restX = hn::Sub(one, fx);
-        const auto c00 = GatherPixels(lanes, rows.here, strip.here + k, 0);
-        const auto c01 = GatherPixels(lanes, rows.here, strip.next + k, 0);
-        const auto c10 = GatherPixels(lanes, rows.next, strip.here + k, 0);
-        const auto c11 = GatherPixels(lanes, rows.next, strip.next + k, 0);
+        const auto c00 = GatherPixels<1>(lanes, here, strip.here + k, 4);
+        const auto c01 = GatherPixels<1>(lanes, here, strip.next + k, 4);
+        const auto c10 = GatherPixels<1>(lanes, next, strip.here + k, 4);
+        const auto c11 = GatherPixels<1>(lanes, next, strip.next + k, 4);
         auto sum = hn::Add(hn::Mul(c00, hn::Mul(restY, restX)), hn::Mul(c01, hn::Mul(restY, fx)));
         sum = hn::Add(sum, hn::Mul(c10, hn::Mul(fy, restX)));
         sum = hn::Add(sum, hn::Mul(c11, hn::Mul(fy, fx)));
