@@ -106,14 +106,12 @@ void BoxRow(const ScaleJob& job, const Strip& strip, uint8_t* dest, int32_t begi
 
 using BoxRowFn = void (*)(const ScaleJob&, const Strip&, uint8_t*, int32_t, int32_t, const BoxSpan&);
 
-// Boxes above this keep the plain form: so many rows fit 16 bits, and the sums of a pixel's edges, all
-// of 16384 times 255, fit 32.
-constexpr int32_t kVectorSide = 64 * kSubpixelOne;
-
 } // namespace
 } // namespace vx
 
 #endif // VX_SCALE_BOX_PLAIN
+
+#include "dib/scale_box-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace vx {
@@ -124,20 +122,6 @@ namespace hn = hwy::HWY_NAMESPACE;
 
 constexpr int32_t kLinePixels = 1024;
 constexpr int32_t kChunkColumns = 128;
-
-// The lanes of one pixel.
-using Ints = hn::FixedTag<int32_t, 4>;
-using IntVec = hn::Vec<Ints>;
-
-IntVec LoadQuad(const uint8_t* pixel)
-{
-    return hn::PromoteTo(Ints(), hn::LoadU(hn::FixedTag<uint8_t, 4>(), pixel));
-}
-
-IntVec LoadQuad(const uint16_t* pixel)
-{
-    return hn::PromoteTo(Ints(), hn::LoadU(hn::FixedTag<uint16_t, 4>(), pixel));
-}
 
 // The rows that lie in the box whole, summed column by column.
 void SumRows(uint16_t* line, const uint8_t* first, int32_t stride, int32_t rows, int32_t values)
@@ -160,26 +144,6 @@ void SumRows(uint16_t* line, const uint8_t* first, int32_t stride, int32_t rows,
     }
 }
 
-// Sums over a span of a line: its inner pixels, and its edge pixels by their shares of a row's share.
-template <class Value>
-struct LineSums
-{
-    IntVec inner, edges;
-
-    LineSums(const Value* line, const BoxSpan& x, int32_t firstColumn, int32_t rowShare)
-        : inner(hn::Zero(Ints()))
-    {
-        const Value* const first = line + 4 * (x.first - firstColumn);
-        const Value* const last = line + 4 * (x.last - firstColumn);
-        for (const Value* at = first + 4; at < last; at += 4)
-            inner = hn::Add(inner, LoadQuad(at));
-        const auto product = [rowShare](const Value* at, int32_t share) {
-            return hn::Mul(LoadQuad(at), hn::Set(Ints(), CoverageProduct(share, rowShare)));
-        };
-        edges = hn::Add(product(first, x.firstShare), product(last, x.lastShare));
-    }
-};
-
 // A row that lies in the box in part; none has the share 0.
 struct PartRow
 {
@@ -196,11 +160,11 @@ void AddPartRow(IntVec& sum, const PartRow& row, const BoxSpan& x)
 // Whole pixels of the box weigh 16384 and are summed apart from the rest, so that both fit 32 bits.
 void WriteMeans(uint8_t* dest, const int32_t* whole, const int32_t* rest, int32_t values, double reciprocal)
 {
-    const hn::CappedTag<double, 4> lanes;
-    const hn::Rebind<int32_t, decltype(lanes)> ints;
-    const hn::Rebind<uint8_t, decltype(lanes)> bytes;
+    const Doubles lanes;
+    const PartInts ints;
+    const hn::Rebind<uint8_t, Doubles> bytes;
     const int32_t step = int32_t(hn::Lanes(lanes));
-    for (int32_t i = 0; i < values; i += step) { // of 4 or a part of it
+    for (int32_t i = 0; i < values; i += step) {
         const auto ofWhole = hn::PromoteTo(lanes, hn::LoadU(ints, whole + i));
         const auto ofRest = hn::PromoteTo(lanes, hn::LoadU(ints, rest + i));
         const auto sum = hn::Add(hn::Mul(ofWhole, hn::Set(lanes, double(kSubpixelOne))), ofRest);

@@ -10,6 +10,10 @@ namespace vx {
 // Bytes sum in 32 bits where the worst case stays below this, else in 64.
 constexpr double kNarrowSums = 536870911.0;
 
+// Boxes above this keep the plain form: so many rows fit 16 bits, and the sums of a pixel's edges, all
+// of 16384 times 255, fit 32.
+constexpr int32_t kVectorSide = 64 * kSubpixelOne;
+
 // Source pixels that one destination pixel may touch along an axis, whole or in part.
 inline double WidestSpan(const ScaleAxis& axis)
 {
@@ -89,25 +93,35 @@ auto BoxCoverage(int32_t column, int32_t row)
         return float(product) * kSubpixelToPixel;
 }
 
-// Writes every pixel of a kernel with a box along one axis, `box`. value(x, y, divisor) gives pixel x
-// of row y; the divisor is what the box sums to: the whole ratio, or for a pixel covered in part its
-// span, which leaves the pixel alone where it is nothing.
+// A kernel with a box along one axis, `box`. value(job, x, y, divisor) gives pixel x of row y; the divisor
+// is what the box sums to: the whole ratio, or for a pixel covered in part its span, which leaves the
+// pixel alone where it is nothing.
 template <class Pixel, class Value>
-void ForBoxPixels(const ScaleJob& job, const ScaleAxis& box, bool boxAlongX, const Value& value)
+void BlendBoxPixel(const ScaleJob& job, const ScaleAxis& box, uint8_t* at, int32_t x, int32_t y,
+                   const Value& value)
+{
+    if (const int32_t span = BoxSpanAt(box, &box == &job.x ? x : y).length; span >= 1)
+        StorePixel(at, value(job, x, y, span), BoxCoverage<Pixel>(job.x.Coverage(x), job.y.Coverage(y)));
+}
+
+template <class Pixel, class Value>
+void ForBoxPixels(const ScaleJob& job, const ScaleAxis& box, const Value& value)
 {
     for (int32_t y = 0; y < job.y.count; ++y) {
         uint8_t* const row = job.DestRow(y) + int64_t(Pixel::kBytes) * job.x.firstPixel;
-        for (int32_t x = 0; x < job.x.count; ++x) {
-            uint8_t* const at = row + int64_t(Pixel::kBytes) * x;
-            const int32_t coverX = job.x.Coverage(x), coverY = job.y.Coverage(y);
-            if (!job.blendEdges || CoverageProduct(coverX, coverY) == kSubpixelOne) {
-                const auto pixel = value(x, y, box.step);
-                std::memcpy(at, pixel.data(), sizeof(pixel));
-            } else if (const int32_t span = BoxSpanAt(box, boxAlongX ? x : y).length; span >= 1) {
-                StorePixel(at, value(x, y, span), BoxCoverage<Pixel>(coverX, coverY));
-            }
-        }
+        const auto at = [row](int32_t x) { return row + int64_t(Pixel::kBytes) * x; };
+        ForColumns(
+            job, job.y.Coverage(y), 0, job.x.count,
+            [&](int32_t x) { BlendBoxPixel<Pixel>(job, box, at(x), x, y, value); },
+            [&](int32_t begin, int32_t end) {
+                for (int32_t x = begin; x < end; ++x) {
+                    const auto pixel = value(job, x, y, box.step);
+                    std::memcpy(at(x), pixel.data(), sizeof(pixel));
+                }
+            });
     }
 }
+
+using ScaleJobFn = void (*)(const ScaleJob&);
 
 } // namespace vx

@@ -199,30 +199,34 @@ hn::Vec<Ints> MulPairs(hn::Vec<Words> a, hn::Vec<Words> b)
 #endif
 }
 
-// Filters rows into a line. Its values lie between -64 and 319: the weights' sizes sum to 1.25.
+// Filters rows into a line. Its values lie between -64 and 319: the weights' sizes sum to 1.25. The rows
+// are laid side by side for the products in two halves of each block, which packing brings together.
 void FilterRows(int16_t* line, const CubicRows& rows, int64_t firstByte, int32_t values)
 {
     const Ints lanes;
     const Words words;
-    const hn::Rebind<uint8_t, Ints> bytes;
-    const hn::Rebind<int16_t, Ints> narrow;
+    const hn::Rebind<uint8_t, Words> bytes;
     const auto& w = kCubicIntegers[size_t(rows.weights)];
     const auto firstWeights = hn::BitCast(words, hn::Set(lanes, Strip::Pair(w[0], w[1])));
     const auto lastWeights = hn::BitCast(words, hn::Set(lanes, Strip::Pair(w[2], w[3])));
     const auto half = hn::Set(lanes, kSubpixelOne / 2);
     const auto fraction = hn::Set(lanes, kSubpixelOne - 1);
-    const auto load = [&](int32_t tap, int32_t i) {
-        return hn::PromoteTo(lanes, hn::LoadU(bytes, rows.row[tap] + firstByte + i));
-    };
-    const auto pair = [&](int32_t tap, int32_t i) {
-        return hn::BitCast(words, hn::Or(load(tap, i), hn::ShiftLeft<16>(load(tap + 1, i))));
+    const auto withoutFraction = [&](hn::Vec<Words> first, hn::Vec<Words> last) {
+        auto sum = hn::Add(hn::Add(MulPairs(first, firstWeights), MulPairs(last, lastWeights)), half);
+        sum = hn::Add(sum, hn::And(hn::BroadcastSignBit(sum), fraction)); // the shift rounds down
+        return hn::ShiftRight<kSubpixelBits>(sum);
     };
     int32_t i = 0;
-    for (; i + kLanes <= values; i += kLanes) {
-        auto sum = hn::Add(MulPairs(pair(0, i), firstWeights), MulPairs(pair(2, i), lastWeights));
-        sum = hn::Add(sum, half);
-        sum = hn::Add(sum, hn::And(hn::BroadcastSignBit(sum), fraction)); // the shift rounds down
-        hn::StoreU(hn::DemoteTo(narrow, hn::ShiftRight<kSubpixelBits>(sum)), narrow, line + i);
+    for (; i + 2 * kLanes <= values; i += 2 * kLanes) {
+        const auto load = [&](int32_t tap) {
+            return hn::PromoteTo(words, hn::LoadU(bytes, rows.row[tap] + firstByte + i));
+        };
+        const auto r0 = load(0), r1 = load(1), r2 = load(2), r3 = load(3);
+        const auto lower =
+            withoutFraction(hn::InterleaveLower(words, r0, r1), hn::InterleaveLower(words, r2, r3));
+        const auto upper =
+            withoutFraction(hn::InterleaveUpper(words, r0, r1), hn::InterleaveUpper(words, r2, r3));
+        hn::StoreU(hn::ReorderDemote2To(words, lower, upper), words, line + i);
     }
     for (; i < values; ++i) {
         int32_t sum = 0;
