@@ -27,25 +27,32 @@ IntVec LoadQuad(const Value* pixel)
     return hn::PromoteTo(Ints(), hn::LoadU(hn::FixedTag<Value, 4>(), pixel));
 }
 
-// Sums over a span of a line: its inner pixels, and its edge pixels by their shares of a row's share.
-template <class Value>
-struct LineSums
+// A row's share, and what of it falls to the first and the last pixel of a span.
+struct EdgeWeights
 {
-    IntVec inner, edges;
+    IntVec inner, first, last;
 
-    LineSums(const Value* line, const BoxSpan& x, int32_t firstColumn, int32_t rowShare)
-        : inner(hn::Zero(Ints()))
+    EdgeWeights(const BoxSpan& x, int32_t rowShare) : inner(hn::Set(Ints(), rowShare))
     {
-        const Value* const first = line + 4 * (x.first - firstColumn);
-        const Value* const last = line + 4 * (x.last - firstColumn);
-        for (const Value* at = first + 4; at < last; at += 4)
-            inner = hn::Add(inner, LoadQuad(at));
-        const auto product = [rowShare](const Value* at, int32_t share) {
-            return hn::Mul(LoadQuad(at), hn::Set(Ints(), CoverageProduct(share, rowShare)));
-        };
-        edges = hn::Add(product(first, x.firstShare), product(last, x.lastShare));
+        first = hn::ShiftRight<kSubpixelBits>(hn::Mul(hn::Set(Ints(), x.firstShare), inner));
+        last = hn::ShiftRight<kSubpixelBits>(hn::Mul(hn::Set(Ints(), x.lastShare), inner));
     }
 };
+
+template <class Value>
+IntVec SumOfEdges(const Value* first, const Value* last, const EdgeWeights& w)
+{
+    return hn::Add(hn::Mul(LoadQuad(first), w.first), hn::Mul(LoadQuad(last), w.last));
+}
+
+template <class Value>
+IntVec SumOfInner(const Value* first, const Value* last)
+{
+    IntVec sum = hn::Zero(Ints());
+    for (const Value* at = first + 4; at < last; at += 4)
+        sum = hn::Add(sum, LoadQuad(at));
+    return sum;
+}
 
 // The lanes of one pixel in doubles, or half of them where there is no room for four.
 using Doubles = hn::CappedTag<double, 4>;
@@ -54,8 +61,9 @@ using PartInts = hn::Rebind<int32_t, Doubles>;
 // What a box sums to along a row, as the plain form's 32-bit sums.
 [[maybe_unused]] void StoreSumOfColumns(int32_t* sum, const uint8_t* row, const BoxSpan& x)
 {
-    const LineSums<uint8_t> sums(row, x, 0, kSubpixelOne);
-    hn::StoreU(hn::Add(sums.edges, hn::ShiftLeft<kSubpixelBits>(sums.inner)), Ints(), sum);
+    const uint8_t *const first = row + 4 * int64_t(x.first), *const last = row + 4 * int64_t(x.last);
+    const IntVec inner = hn::ShiftLeft<kSubpixelBits>(SumOfInner(first, last));
+    hn::StoreU(hn::Add(SumOfEdges(first, last, EdgeWeights(x, kSubpixelOne)), inner), Ints(), sum);
 }
 
 // Writes a part of a pixel: sums over a divisor, truncated and limited to a byte. Half a unit more

@@ -130,12 +130,15 @@ void SumRows(uint16_t* line, const uint8_t* first, int32_t stride, int32_t rows,
     const hn::Rebind<uint8_t, decltype(lanes)> bytes;
     const int32_t step = int32_t(hn::Lanes(lanes));
     int32_t i = 0;
-    for (; i + step <= values; i += step) {
-        auto sum = hn::Zero(lanes);
+    for (; i + 2 * step <= values; i += 2 * step) {
+        auto sum = hn::Zero(lanes), nextSum = hn::Zero(lanes);
         const uint8_t* at = first + i;
-        for (int32_t row = 0; row < rows; ++row, at += stride)
+        for (int32_t row = 0; row < rows; ++row, at += stride) {
             sum = hn::Add(sum, hn::PromoteTo(lanes, hn::LoadU(bytes, at)));
+            nextSum = hn::Add(nextSum, hn::PromoteTo(lanes, hn::LoadU(bytes, at + step)));
+        }
         hn::StoreU(sum, lanes, line + i);
+        hn::StoreU(nextSum, lanes, line + i + step);
     }
     for (; i < values; ++i) {
         line[i] = 0;
@@ -144,17 +147,27 @@ void SumRows(uint16_t* line, const uint8_t* first, int32_t stride, int32_t rows,
     }
 }
 
-// A row that lies in the box in part; none has the share 0.
-struct PartRow
+// The rows that lie in the box in part; none has the share 0.
+struct PartRows
 {
-    const uint8_t* pixels;
-    int32_t share;
+    const uint8_t* top;
+    const uint8_t* bottom;
+    int32_t topShare, bottomShare;
 };
 
-void AddPartRow(IntVec& sum, const PartRow& row, const BoxSpan& x)
+IntVec SumOfPartRows(const PartRows& rows, const BoxSpan& x)
 {
-    const LineSums<uint8_t> sums(row.pixels, x, 0, row.share);
-    sum = hn::Add(sum, hn::Add(sums.edges, hn::Mul(sums.inner, hn::Set(Ints(), row.share))));
+    const int64_t first = 4 * int64_t(x.first), last = 4 * int64_t(x.last);
+    const EdgeWeights ofTop(x, rows.topShare), ofBottom(x, rows.bottomShare);
+    IntVec top = hn::Zero(Ints()), bottom = top;
+    for (int64_t at = first + 4; at < last; at += 4) {
+        top = hn::Add(top, LoadQuad(rows.top + at));
+        bottom = hn::Add(bottom, LoadQuad(rows.bottom + at));
+    }
+    const IntVec inner = hn::Add(hn::Mul(top, ofTop.inner), hn::Mul(bottom, ofBottom.inner));
+    const IntVec edges = hn::Add(SumOfEdges(rows.top + first, rows.top + last, ofTop),
+                                 SumOfEdges(rows.bottom + first, rows.bottom + last, ofBottom));
+    return hn::Add(inner, edges);
 }
 
 // Whole pixels of the box weigh 16384 and are summed apart from the rest, so that both fit 32 bits.
@@ -181,8 +194,8 @@ void BoxByteRow(const ScaleJob& job, const Strip& strip, uint8_t* dest, int32_t 
     const double reciprocal = 1.0 / double(Area(job.x.step, job.y.step));
     const bool partFirst = y.firstShare != kSubpixelOne,
                partLast = y.last > y.first && y.lastShare != kSubpixelOne;
-    const PartRow top{job.SourceRow(y.first), partFirst ? y.firstShare : 0};
-    const PartRow bottom{job.SourceRow(y.last), partLast ? y.lastShare : 0};
+    const PartRows part{job.SourceRow(y.first), job.SourceRow(y.last), partFirst ? y.firstShare : 0,
+                        partLast ? y.lastShare : 0};
     const int32_t wholeFirst = y.first + partFirst, wholeRows = y.last - partLast - wholeFirst + 1;
     const int32_t chunkColumns = std::min(kChunkColumns, (kLinePixels - 2) * kSubpixelOne / job.x.step);
     HWY_ALIGN uint16_t line[4 * kLinePixels];
@@ -194,13 +207,12 @@ void BoxByteRow(const ScaleJob& job, const Strip& strip, uint8_t* dest, int32_t 
                 4 * (strip.spans[last - 1].last - firstColumn + 1));
         for (int32_t k = chunk; k < last; ++k) {
             const BoxSpan& x = strip.spans[k];
-            const LineSums<uint16_t> sums(line, x, firstColumn, kSubpixelOne);
-            IntVec sum = sums.edges;
-            if (top.share != 0)
-                AddPartRow(sum, top, x);
-            if (bottom.share != 0)
-                AddPartRow(sum, bottom, x);
-            hn::StoreU(sums.inner, Ints(), whole + 4 * (k - chunk));
+            const uint16_t* const from = line + 4 * (x.first - firstColumn);
+            const uint16_t* const to = line + 4 * (x.last - firstColumn);
+            IntVec sum = SumOfEdges(from, to, EdgeWeights(x, kSubpixelOne));
+            if (partFirst || partLast)
+                sum = hn::Add(sum, SumOfPartRows(part, x));
+            hn::StoreU(SumOfInner(from, to), Ints(), whole + 4 * (k - chunk));
             hn::StoreU(sum, Ints(), rest + 4 * (k - chunk));
         }
         WriteMeans(dest + 4 * int64_t(chunk), whole, rest, 4 * (last - chunk), reciprocal);
