@@ -104,27 +104,36 @@ testing::AssertionResult Same(const ScaleCall& call, const Frame& want, const Fr
     return testing::AssertionFailure() << "bytes outside the rows, or bits of a zero";
 }
 
-void ExpectModel(const ScaleCall& call, const Frames& frames, const VectorLevel& level)
+void ExpectModel(const ScaleCall& call, const Frames& frames, const std::vector<VectorLevel>& levels)
 {
-    Frame want = frames.dest, got = frames.dest;
+    Frame want = frames.dest;
     ModelScale(call, want, frames.source);
-    const OnlyLevel only(level);
-    Scale(call, got, frames.source);
-    ASSERT_TRUE(Same(call, want, got))
-        << call << ", source " << frames.source << ", dest " << want << ", " << level.name;
+    for (const VectorLevel& level : levels) {
+        const OnlyLevel only(level);
+        Frame got = frames.dest;
+        Scale(call, got, frames.source);
+        ASSERT_TRUE(Same(call, want, got))
+            << call << ", source " << frames.source << ", dest " << want << ", " << level.name;
+    }
+}
+
+std::vector<VectorLevel> AllLevels()
+{
+    std::vector<VectorLevel> levels = VectorLevels();
+    levels.push_back(kPlain);
+    return levels;
 }
 
 TEST(Scale, GivesTheModelForAnyRectangles)
 {
     Random random;
-    std::vector<VectorLevel> levels = VectorLevels();
-    levels.push_back(kPlain);
+    const std::vector<VectorLevel> levels = AllLevels();
     for (int32_t i = 0; i < 6000; ++i) {
         ScaleCall call = RandomCall(random, i % 3 == 0 ? 16 : 4);
         const Frames frames(RandomSize(random, 30), RandomSize(random, 30), call, kAllRows[i % 3], random);
         call.destRect = RandomRect(random, frames.dest, call.subPixel);
         call.sourceRect = RandomRect(random, frames.source, call.subPixel);
-        ExpectModel(call, frames, levels[size_t(i) % levels.size()]);
+        ExpectModel(call, frames, {levels[size_t(i) % levels.size()]});
         if (HasFatalFailure())
             return;
     }
@@ -134,8 +143,7 @@ TEST(Scale, GivesTheModelForAnyRectangles)
 TEST(Scale, GivesTheModelForAnyRatio)
 {
     Random random(2);
-    std::vector<VectorLevel> levels = VectorLevels();
-    levels.push_back(kPlain);
+    const std::vector<VectorLevel> levels = AllLevels();
     constexpr SIZE kFrom[] = {{96, 5}, {61, 40}, {7, 9}, {300, 3}, {64, 64}, {128, 66}};
     constexpr SIZE kTo[] = {{70, 6}, {128, 7}, {16, 10}, {33, 33}, {1, 2}, {70, 40}};
     for (const SIZE& from : kFrom)
@@ -146,11 +154,9 @@ TEST(Scale, GivesTheModelForAnyRatio)
                 call.area = i & 2;
                 call.bytesPerPixel = i & 4 ? 16 : 4;
                 const Frames frames(from, to, call, kAllRows[i % 3], random);
-                for (const VectorLevel& level : levels) {
-                    ExpectModel(call, frames, level);
-                    if (HasFatalFailure())
-                        return;
-                }
+                ExpectModel(call, frames, levels);
+                if (HasFatalFailure())
+                    return;
             }
 }
 
@@ -159,18 +165,16 @@ TEST(Scale, GivesTheModelForAnyRatio)
 TEST(Scale, LinearTiesGiveTheModel)
 {
     Random random(3);
-    std::vector<VectorLevel> levels = VectorLevels();
+    const std::vector<VectorLevel> levels = AllLevels();
     for (const SIZE to : {SIZE{127, 31}, SIZE{64, 31}, SIZE{253, 16}, SIZE{127, 16}, SIZE{190, 23}}) {
         ScaleCall call;
         Frames frames({64, 16}, to, call, Rows::Wide, random);
         for (int32_t y = 0; y < 16; ++y)
             for (int32_t i = 0; i < 4 * 64; ++i)
                 frames.source.Set(i, y, uint8_t(random.Int(0, 3)));
-        for (const VectorLevel& level : levels) {
-            ExpectModel(call, frames, level);
-            if (HasFatalFailure())
-                return;
-        }
+        ExpectModel(call, frames, levels);
+        if (HasFatalFailure())
+            return;
     }
 }
 
@@ -198,6 +202,47 @@ TEST(Scale, LargeFramesGiveThePlainBits)
             Frame vector = frames.dest;
             Scale(call, vector, frames.source);
             ASSERT_EQ(plain, vector) << call << ", " << level.name;
+        }
+    }
+}
+
+// Just large enough that the linear kernel shares its rows among threads.
+TEST(Scale, SharedRowsGiveTheModel)
+{
+    Random random(7);
+    const ScaleCall call;
+    ExpectModel(call, Frames({1300, 40}, {2500, 75}, call, Rows::Negative, random), AllLevels());
+}
+
+// Infinities and NaNs spread as far as in the plain form. The bits of a NaN are nobody's promise.
+TEST(Scale, SpecialFloatsGiveThePlainValues)
+{
+    Random random(6);
+    const float kSpecial[] = {INFINITY, -INFINITY, NAN, 0.0f, -0.0f, 1e-40f, 3e38f};
+    for (int32_t i = 0; i < 4; ++i) {
+        ScaleCall call;
+        call.cubic = i & 1;
+        call.area = i & 2;
+        call.bytesPerPixel = 16;
+        Frames frames({60, 20}, call.area ? SIZE{31, 17} : SIZE{100, 40}, call, Rows::Wide, random);
+        for (int32_t n = 0; n < 60; ++n)
+            frames.source.Set(random.Int(0, 239), random.Int(0, 19), kSpecial[n % 7]);
+        Frame plain = frames.dest;
+        {
+            const OnlyLevel only(kPlain);
+            Scale(call, plain, frames.source);
+        }
+        for (const VectorLevel& level : VectorLevels()) {
+            const OnlyLevel only(level);
+            Frame vector = frames.dest;
+            Scale(call, vector, frames.source);
+            for (int32_t y = 0; y < plain.Height(); ++y)
+                for (int32_t x = 0; x < 4 * plain.Width(); ++x) {
+                    const float want = plain.Get<float>(x, y), got = vector.Get<float>(x, y);
+                    ASSERT_TRUE(std::isnan(want) ? std::isnan(got) : want == got)
+                        << call << ", " << level.name << ", float " << x << ", row " << y << ": " << want
+                        << ", " << got;
+                }
         }
     }
 }
