@@ -16,6 +16,7 @@
 #include "vx/pixel.h"
 #include "vx/print.h"
 #include "vx/ruler.h"
+#include "vx/scale.h"
 #include "vx/smpte.h"
 #include "vx/timer.h"
 #include "vx/types.h"
