@@ -26,7 +26,8 @@ constexpr int32_t SubpixelCeiling(int32_t coordinate)
     return int32_t(((uint32_t(coordinate) - 1) | (kSubpixelOne - 1)) + 1);
 }
 
-// v moved towards c by a / 255, a from 0 to 255: the division is exact, and rounds.
+// v moved towards c by a / 255, a from 0 to 255, without a division: rounded upwards, and downwards
+// within 1 / 256 of that.
 constexpr uint8_t BlendByte(uint8_t v, uint8_t c, int32_t a)
 {
     const int32_t x = (c - v) * a + 128;

@@ -37,6 +37,25 @@ enum class Shape
     Same,     // memory holds working pixels
 };
 
+// Three 8-bit channels, blue in the low byte of the word, made wider one by one; alpha is full.
+template <class Form>
+struct OpaqueBytes
+{
+    template <bool kExact>
+    HWY_INLINE static Pixel16 DecodeBytes(uint32_t word)
+    {
+        return {Form::template DecodeByte<kExact>(word & 255),
+                Form::template DecodeByte<kExact>((word >> 8) & 255),
+                Form::template DecodeByte<kExact>((word >> 16) & 255), 0xFFFF};
+    }
+};
+
+template <class TheCodec>
+constexpr bool kHasOpaqueBytes = requires
+{
+    TheCodec::template DecodeByte<true>(0u);
+};
+
 struct ReadContext
 {
     const uint8_t* palette;
@@ -115,9 +134,12 @@ HWY_INLINE uint32_t ColourSum(const Pixel16& p)
     return uint32_t(p.blue) + p.green + p.red;
 }
 
-HWY_INLINE uint32_t ColourMean(const Pixel16& p)
+// A third of the sum, truncated, in steps that stay within 16 bits, of which vectors hold most.
+HWY_INLINE uint16_t ColourMean(const Pixel16& p)
 {
-    return ColourSum(p) / 3;
+    const auto blue = uint16_t(p.blue / 3), green = uint16_t(p.green / 3), red = uint16_t(p.red / 3);
+    const auto rest = uint16_t((p.blue - 3 * blue) + (p.green - 3 * green) + (p.red - 3 * red)); // 0 to 6
+    return uint16_t(blue + green + red + uint16_t(rest * 11) / 32);
 }
 
 HWY_INLINE Pixel16 GrayPixel(uint32_t value)
@@ -201,15 +223,16 @@ HWY_INLINE uint32_t EntryOf(uint32_t index, const ReadContext& context)
 }
 
 // Entries are 8-bit channels that are never read exactly: 255 is 65280.
-struct PaletteCodec
+struct PaletteCodec : OpaqueBytes<PaletteCodec>
 {
     static constexpr Shape kShape = Shape::Palette;
 
-    HWY_INLINE static Pixel16 DecodeEntry(uint32_t entry)
+    template <bool kExact>
+    HWY_INLINE static uint16_t DecodeByte(uint32_t c)
     {
-        return {WidenByte<false>(entry & 255), WidenByte<false>((entry >> 8) & 255),
-                WidenByte<false>((entry >> 16) & 255), 0xFFFF};
+        return WidenByte<false>(c);
     }
+    HWY_INLINE static Pixel16 DecodeEntry(uint32_t entry) { return DecodeBytes<false>(entry); }
     HWY_INLINE static uint16_t CellOf(const Pixel16& p)
     {
         return uint16_t((p.red >> 11) * 1024 + (p.green >> 11) * 32 + (p.blue >> 11));
@@ -232,6 +255,13 @@ HWY_INLINE Pixel8 PixelOfBytes(uint32_t bytes)
     return pixel;
 }
 
+HWY_INLINE uint32_t BytesOfPixel(const Pixel8& pixel)
+{
+    uint32_t bytes;
+    std::memcpy(&bytes, &pixel, sizeof(bytes));
+    return bytes;
+}
+
 constexpr uint32_t kOpaqueBytes = 0xFF000000;
 
 struct Palette8Codec
@@ -241,7 +271,8 @@ struct Palette8Codec
     HWY_INLINE static Pixel8 DecodeEntry(uint32_t entry) { return PixelOfBytes(entry | kOpaqueBytes); }
     HWY_INLINE static uint16_t CellOf(const Pixel8& p)
     {
-        return uint16_t((p.red >> 3) * 1024 + (p.green >> 3) * 32 + (p.blue >> 3));
+        const uint32_t bytes = BytesOfPixel(p);
+        return uint16_t(((bytes >> 9) & 0x7C00) | ((bytes >> 6) & 0x3E0) | ((bytes >> 3) & 0x1F));
     }
     template <bool kExact>
     HWY_INLINE static Pixel8 Decode(uint32_t index, const ReadContext& context)
@@ -302,15 +333,19 @@ struct Rgb101010Codec
 };
 
 // Blue, green and red bytes.
-struct Bytes3Codec
+struct Bytes3Codec : OpaqueBytes<Bytes3Codec>
 {
     static constexpr Shape kShape = Shape::Word;
 
     template <bool kExact>
+    HWY_INLINE static uint16_t DecodeByte(uint32_t c)
+    {
+        return WidenByte<kExact>(c);
+    }
+    template <bool kExact>
     HWY_INLINE static Pixel16 Decode(uint32_t p, const ReadContext&)
     {
-        return {WidenByte<kExact>(p & 255), WidenByte<kExact>((p >> 8) & 255),
-                WidenByte<kExact>((p >> 16) & 255), 0xFFFF};
+        return DecodeBytes<kExact>(p);
     }
     HWY_INLINE static uint32_t Encode(const Pixel16& p, const WriteContext&)
     {
@@ -329,7 +364,7 @@ struct Bytes3At8Codec
     }
     HWY_INLINE static uint32_t Encode(const Pixel8& p, const WriteContext&)
     {
-        return p.blue | uint32_t(p.green) << 8 | uint32_t(p.red) << 16;
+        return BytesOfPixel(p); // alpha is not stored
     }
 };
 

@@ -1,7 +1,4 @@
-// Runs of pixels: the codecs in loops, compiled for each vector target.
-//
-// A run is read in blocks, in steps that vectors do well: words out of memory, channels out of words
-// into planes, working pixels out of planes. Written it goes the other way.
+// Runs of pixels: the codecs in loops, compiled for each vector target, and the choice among them.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "exchange/runs.cpp"
 #include <hwy/foreach_target.h> // includes this file once for each target
@@ -12,234 +9,13 @@
 
 #include "exchange/filter.h"
 #include "exchange/rows.h"
+#include "exchange/run_steps.h"
 #include "kernel/vector_targets.h"
 
-#include <algorithm>
-#include <array>
 #include <utility>
 
 namespace vx {
 namespace {
-
-constexpr int32_t kBlock = 64; // pixels; a multiple of what any vector holds
-
-struct Planes
-{
-    alignas(64) uint16_t blue[kBlock], green[kBlock], red[kBlock], alpha[kBlock];
-};
-
-// The steps that no compiler makes vectors of. Where a step takes n pixels, n is at most kBlock, and
-// only those n are read and written.
-struct PlainSteps
-{
-    HWY_INLINE static void Interleave(Pixel16* out, const Planes& planes, int32_t first, int32_t n)
-    {
-        for (int32_t i = first; i < n; ++i)
-            out[i] = {planes.blue[i], planes.green[i], planes.red[i], planes.alpha[i]};
-    }
-    HWY_INLINE static void InterleaveGray(Pixel16* out, const uint16_t* gray, int32_t first, int32_t n)
-    {
-        for (int32_t i = first; i < n; ++i)
-            out[i] = GrayPixel(gray[i]);
-    }
-    HWY_INLINE static void Load24(uint32_t* words, const uint8_t* p, int32_t first, int32_t n)
-    {
-        for (int32_t i = first; i < n; ++i)
-            words[i] = Memory<24, uint32_t>::Load(p + 3 * i, 0);
-    }
-};
-
-// n words of a block, whose first begins a byte; palette types give the entries.
-template <class TheCodec, class Steps, class Word>
-HWY_INLINE void LoadWords(Word* __restrict words, const uint8_t* __restrict p, int32_t n,
-                          const ReadContext& context)
-{
-    constexpr int32_t kBits = TheCodec::kBits;
-    if constexpr (kBits < 8) {
-        constexpr int32_t kInByte = 8 / kBits;
-        for (int32_t i = 0; i < n / kInByte; ++i)
-            for (int32_t k = 0; k < kInByte; ++k)
-                words[i * kInByte + k] = TheCodec::Place::Load(p + i, uint32_t(k * kBits));
-        for (int32_t i = n / kInByte * kInByte; i < n; ++i)
-            words[i] = TheCodec::Place::Load(p + n / kInByte, uint32_t(i % kInByte * kBits));
-    } else if constexpr (kBits == 24) {
-        Steps::Load24(words, p, 0, n);
-    } else {
-        for (int32_t i = 0; i < n; ++i)
-            words[i] = TheCodec::Place::Load(p + i * (kBits / 8), 0);
-    }
-    if constexpr (TheCodec::kShape == Shape::Palette)
-        for (int32_t i = 0; i < n; ++i)
-            words[i] = EntryOf(words[i], context);
-}
-
-template <class TheCodec, bool kExact, class Word>
-HWY_INLINE typename TheCodec::Working DecodeWord(const Word& word, const ReadContext& context)
-{
-    if constexpr (TheCodec::kShape == Shape::Palette)
-        return TheCodec::DecodeEntry(word);
-    else
-        return TheCodec::template Decode<kExact>(word, context);
-}
-
-template <class TheCodec, bool kExact, class Steps>
-HWY_INLINE void ReadBlock(typename TheCodec::Working* __restrict out, const uint8_t* __restrict p, int32_t n,
-                          const ReadContext& context)
-{
-    alignas(64) typename TheCodec::Word words[kBlock];
-    LoadWords<TheCodec, Steps>(words, p, n, context);
-    if constexpr (std::is_same_v<typename TheCodec::Working, Pixel8>) {
-        for (int32_t i = 0; i < n; ++i) {
-            const Pixel8 pixel = DecodeWord<TheCodec, kExact>(words[i], context);
-            std::memcpy(out + i, &pixel, sizeof(pixel));
-        }
-    } else if constexpr (TheCodec::kShape == Shape::Gray) {
-        alignas(64) uint16_t gray[kBlock];
-        for (int32_t i = 0; i < n; ++i)
-            gray[i] = DecodeWord<TheCodec, kExact>(words[i], context).blue;
-        Steps::InterleaveGray(out, gray, 0, n);
-    } else {
-        Planes planes;
-        for (int32_t i = 0; i < n; ++i) {
-            const Pixel16 pixel = DecodeWord<TheCodec, kExact>(words[i], context);
-            planes.blue[i] = pixel.blue;
-            planes.green[i] = pixel.green;
-            planes.red[i] = pixel.red;
-            planes.alpha[i] = pixel.alpha;
-        }
-        Steps::Interleave(out, planes, 0, n);
-    }
-}
-
-template <class TheCodec, bool kExact, class Steps>
-HWY_INLINE void ReadAligned(typename TheCodec::Working* __restrict out, const uint8_t* __restrict p,
-                            int32_t count, const ReadContext& context)
-{
-    if constexpr (TheCodec::kShape == Shape::Same) {
-        std::memcpy(out, p, size_t(count) * sizeof(*out));
-    } else if constexpr (TheCodec::kShape == Shape::Channels) {
-        using Element = typename TheCodec::Element;
-        auto* const channels = reinterpret_cast<uint16_t*>(out);
-        for (int32_t i = 0; i < 4 * count; ++i) {
-            Element element;
-            std::memcpy(&element, p + size_t(i) * sizeof(element), sizeof(element));
-            channels[i] = TheCodec::template DecodeElement<kExact>(element, context);
-        }
-    } else {
-        for (int32_t i = 0; i < count; i += kBlock)
-            ReadBlock<TheCodec, kExact, Steps>(out + i, p + int64_t(i) * TheCodec::kBits / 8,
-                                               std::min(kBlock, count - i), context);
-    }
-}
-
-// Pixels of a run before its first whole byte.
-template <int32_t kBits>
-HWY_INLINE int32_t HeadPixels(int64_t bit, int32_t count)
-{
-    return std::min(int32_t((8 - bit % 8) % 8) / kBits, count);
-}
-
-template <class TheCodec, bool kExact, class Steps>
-HWY_INLINE void ReadRun(void* pixels, const uint8_t* row, int64_t bit, int32_t count, const tVXXCHG& x)
-{
-    auto* out = static_cast<typename TheCodec::Working*>(pixels);
-    ReadContext context = ReadContextOf(x);
-    const uint8_t* p = row + bit / 8;
-    if constexpr (TheCodec::kBits < 8) {
-        const int32_t head = HeadPixels<TheCodec::kBits>(bit, count);
-        for (int32_t i = 0; i < head; ++i)
-            *out++ = TheCodec::template Load<kExact>(p, uint32_t(bit % 8 + i * TheCodec::kBits), context);
-        p += bit % 8 != 0;
-        count -= head;
-    }
-    // Two loops, of which the one without a curve has no call in it.
-    if (TheCodec::kIsFloat && context.curve) {
-        ReadAligned<TheCodec, kExact, Steps>(out, p, count, context);
-    } else {
-        context.curve = nullptr;
-        ReadAligned<TheCodec, kExact, Steps>(out, p, count, context);
-    }
-}
-
-// Words of n pixels of a block; palette types give indices.
-template <class TheCodec, class Word>
-HWY_INLINE void EncodeWords(Word* __restrict words, const typename TheCodec::Working* __restrict in,
-                            int32_t n, const WriteContext& context)
-{
-    if constexpr (TheCodec::kShape == Shape::Palette) {
-        alignas(64) uint16_t cells[kBlock];
-        for (int32_t i = 0; i < n; ++i)
-            cells[i] = TheCodec::CellOf(in[i]);
-        for (int32_t i = 0; i < n; ++i)
-            words[i] = context.map[cells[i]];
-    } else {
-        for (int32_t i = 0; i < n; ++i)
-            words[i] = Word(TheCodec::Encode(in[i], context));
-    }
-}
-
-// n words below a byte, from the start of a byte on; a byte that they do not fill keeps its rest.
-template <class Place, int32_t kBits>
-HWY_INLINE void PackWords(uint8_t* __restrict p, const uint8_t* __restrict words, int32_t n)
-{
-    constexpr int32_t kInByte = 8 / kBits;
-    for (int32_t i = 0; i < n / kInByte; ++i) {
-        uint32_t byte = 0;
-        for (int32_t k = 0; k < kInByte; ++k)
-            byte |= (words[i * kInByte + k] & Place::kMask) << Place::Shift(uint32_t(k * kBits));
-        p[i] = uint8_t(byte);
-    }
-    for (int32_t i = n / kInByte * kInByte; i < n; ++i)
-        Place::Store(p + n / kInByte, uint32_t(i % kInByte * kBits), words[i]);
-}
-
-template <class TheCodec>
-HWY_INLINE void WriteAligned(uint8_t* __restrict p, const typename TheCodec::Working* __restrict in,
-                             int32_t count, const WriteContext& context)
-{
-    constexpr int32_t kBits = TheCodec::kBits;
-    if constexpr (TheCodec::kShape == Shape::Same) {
-        std::memcpy(p, in, size_t(count) * sizeof(*in));
-    } else if constexpr (TheCodec::kShape == Shape::Channels) {
-        using Element = typename TheCodec::Element;
-        const auto* const channels = reinterpret_cast<const uint16_t*>(in);
-        for (int32_t i = 0; i < 4 * count; ++i) {
-            const Element element = TheCodec::EncodeElement(channels[i], context);
-            std::memcpy(p + size_t(i) * sizeof(element), &element, sizeof(element));
-        }
-    } else if constexpr (kBits <= 8) {
-        for (int32_t i = 0; i < count; i += kBlock) {
-            alignas(64) uint8_t words[kBlock];
-            const int32_t n = std::min(kBlock, count - i);
-            EncodeWords<TheCodec>(words, in + i, n, context);
-            PackWords<typename TheCodec::Place, kBits>(p + int64_t(i) * kBits / 8, words, n);
-        }
-    } else {
-        for (int32_t i = 0; i < count; ++i)
-            TheCodec::Store(p + int64_t(i) * (kBits / 8), 0, in[i], context);
-    }
-}
-
-template <class TheCodec>
-HWY_INLINE void WriteRun(uint8_t* row, int64_t bit, const void* pixels, int32_t count, const tVXXCHG& x)
-{
-    const auto* in = static_cast<const typename TheCodec::Working*>(pixels);
-    WriteContext context = WriteContextOf(x);
-    uint8_t* p = row + bit / 8;
-    if constexpr (TheCodec::kBits < 8) {
-        const int32_t head = HeadPixels<TheCodec::kBits>(bit, count);
-        for (int32_t i = 0; i < head; ++i)
-            TheCodec::Store(p, uint32_t(bit % 8 + i * TheCodec::kBits), *in++, context);
-        p += bit % 8 != 0;
-        count -= head;
-    }
-    if (TheCodec::kIsFloat && context.curve) {
-        WriteAligned<TheCodec>(p, in, count, context);
-    } else {
-        context.curve = nullptr;
-        WriteAligned<TheCodec>(p, in, count, context);
-    }
-}
 
 // The run kernels of all rows and types in one form; null where a row does not serve the type.
 struct RunTable
@@ -281,7 +57,7 @@ struct PlainKernels
     template <class TheCodec>
     static void Write(uint8_t* row, int64_t bit, const void* pixels, int32_t count, const tVXXCHG& x)
     {
-        WriteRun<TheCodec>(row, bit, pixels, count, x);
+        WriteRun<TheCodec, PlainSteps>(row, bit, pixels, count, x);
     }
 };
 
@@ -302,12 +78,16 @@ namespace {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// Not inlined by force: what calls them is compiled for this target only once it is inlined itself.
+// At most 32 bytes: planes are written and read again at once, and a processor can hand on a load only
+// what one store has written, which is no more where the compiler made the store.
+using Lanes16 = hn::CappedTag<uint16_t, 16>;
+
+// The steps of PlainSteps, which do what remains of a block. They begin at its first pixel.
 struct VectorSteps
 {
     static void Interleave(Pixel16* out, const Planes& planes, int32_t, int32_t n)
     {
-        const hn::ScalableTag<uint16_t> lanes;
+        const Lanes16 lanes;
         const int32_t step = int32_t(hn::Lanes(lanes));
         int32_t i = 0;
         for (; i + step <= n; i += step)
@@ -318,7 +98,7 @@ struct VectorSteps
     }
     static void InterleaveGray(Pixel16* out, const uint16_t* gray, int32_t, int32_t n)
     {
-        const hn::ScalableTag<uint16_t> lanes;
+        const Lanes16 lanes;
         const int32_t step = int32_t(hn::Lanes(lanes));
         const auto opaque = hn::Set(lanes, uint16_t(0xFFFF));
         int32_t i = 0;
@@ -328,8 +108,23 @@ struct VectorSteps
         }
         PlainSteps::InterleaveGray(out, gray, i, n);
     }
-    // Four pixels of 12 bytes by one shuffle of 16, of which the last 4 belong to the next pixels: the
-    // last pixels of a block are loaded one by one.
+    static void Separate(Planes& planes, const Pixel16* in, int32_t, int32_t n)
+    {
+        const Lanes16 lanes;
+        const int32_t step = int32_t(hn::Lanes(lanes));
+        int32_t i = 0;
+        for (; i + step <= n; i += step) {
+            hn::Vec<decltype(lanes)> blue, green, red, alpha;
+            hn::LoadInterleaved4(lanes, reinterpret_cast<const uint16_t*>(in + i), blue, green, red, alpha);
+            hn::Store(blue, lanes, planes.blue + i);
+            hn::Store(green, lanes, planes.green + i);
+            hn::Store(red, lanes, planes.red + i);
+            hn::Store(alpha, lanes, planes.alpha + i);
+        }
+        PlainSteps::Separate(planes, in, i, n);
+    }
+    // Four pixels of 12 bytes by one shuffle of 16, of which the last 4 are the next pixels': the last
+    // pixels of a block go one by one.
     static void Load24(uint32_t* words, const uint8_t* p, int32_t, int32_t n)
     {
         const hn::Full128<uint8_t> bytes;
@@ -343,6 +138,38 @@ struct VectorSteps
         }
         PlainSteps::Load24(words, p, i, n);
     }
+    // Each store leaves 4 bytes of zeros behind its pixels, which the next ones overwrite.
+    static void Store24(uint8_t* p, const uint32_t* words, int32_t, int32_t n)
+    {
+        const hn::Full128<uint8_t> bytes;
+        alignas(16) static constexpr uint8_t kClose[16] = {0,  1,  2,  4,  5,    6,    8,    9,
+                                                           10, 12, 13, 14, 0x80, 0x80, 0x80, 0x80};
+        const auto close = hn::Load(bytes, kClose);
+        int32_t i = 0;
+        for (; i + 6 <= n; i += 4) {
+            const auto spread = hn::Load(bytes, reinterpret_cast<const uint8_t*>(words + i));
+            hn::StoreU(hn::TableLookupBytesOr0(spread, close), bytes, p + 3 * i);
+        }
+        PlainSteps::Store24(p, words, i, n);
+    }
+    static void WordsOfFloats(uint16_t* words, const uint8_t* floats, int32_t, int32_t n)
+    {
+        const hn::CappedTag<float, 8> lanes;
+        const hn::Rebind<int32_t, decltype(lanes)> integers;
+        const hn::Rebind<uint16_t, decltype(lanes)> halves;
+        const int32_t step = int32_t(hn::Lanes(lanes));
+        const auto one = hn::Set(lanes, 1.0f), scale = hn::Set(lanes, 65535.0f), half = hn::Set(lanes, 0.5f);
+        int32_t i = 0;
+        for (; i + step <= n; i += step) {
+            const auto bytes = hn::LoadU(hn::Repartition<uint8_t, decltype(lanes)>(), floats + 4 * i);
+            const auto x = hn::BitCast(lanes, bytes);
+            const auto positive = hn::IfThenElseZero(hn::Gt(x, hn::Zero(lanes)), x);
+            const auto held = hn::IfThenElse(hn::Lt(positive, one), positive, one);
+            const auto word = hn::ConvertTo(integers, hn::Add(hn::Mul(held, scale), half));
+            hn::StoreU(hn::DemoteTo(halves, word), halves, words + i);
+        }
+        PlainSteps::WordsOfFloats(words, floats, i, n);
+    }
 };
 
 struct VectorKernels
@@ -355,7 +182,7 @@ struct VectorKernels
     template <class TheCodec>
     static void Write(uint8_t* row, int64_t bit, const void* pixels, int32_t count, const tVXXCHG& x)
     {
-        WriteRun<TheCodec>(row, bit, pixels, count, x);
+        WriteRun<TheCodec, VectorSteps>(row, bit, pixels, count, x);
     }
 };
 

@@ -1,0 +1,228 @@
+// The palette quantizer and the colour map against slow models.
+#include "bitmap.h"
+#include "support/exchange_model.h"
+#include "vx/dib.h"
+#include "vx/platform/memory.h"
+#include "vx/platform/testing.h"
+
+#include <gtest/gtest.h>
+#include <set>
+
+namespace {
+
+using namespace vxtest;
+
+struct Colour
+{
+    int32_t r, g, b; // 5 bits each
+    auto operator<=>(const Colour&) const = default;
+};
+
+struct BoxModel
+{
+    Colour first, last; // last: the largest that it took
+};
+
+// Boxes over a set of colours that is kept in order: the first without a box starts one.
+std::vector<BoxModel> CoverModel(std::set<Colour> left, const int32_t (&size)[3])
+{
+    std::vector<BoxModel> boxes;
+    while (!left.empty()) {
+        const Colour s = *left.begin();
+        const int32_t t = s.r + s.g + s.b + 96;
+        BoxModel box{s, s};
+        for (auto it = left.begin(); it != left.end();) {
+            const bool inside = it->r >= s.r && it->r < s.r + t * size[0] / 96 && it->g >= s.g &&
+                                it->g < s.g + t * size[1] / 96 && it->b >= s.b &&
+                                it->b < s.b + t * size[2] / 96;
+            if (inside)
+                box.last = {std::max(box.last.r, it->r), std::max(box.last.g, it->g),
+                            std::max(box.last.b, it->b)};
+            it = inside ? left.erase(it) : std::next(it);
+        }
+        boxes.push_back(box);
+    }
+    return boxes;
+}
+
+std::vector<BoxModel> ChooseModel(const std::set<Colour>& colours, size_t entries)
+{
+    std::vector<BoxModel> fewest(40000);
+    for (int32_t k = 2; k <= 96; ++k) {
+        std::vector<BoxModel> best;
+        const int32_t sizes[7][3] = {{k, k - 1, k - 1}, {k - 1, k, k - 1}, {k - 1, k - 1, k}, {k, k, k - 1},
+                                     {k, k - 1, k},     {k - 1, k, k},     {k, k, k}};
+        for (const auto& size : sizes) {
+            const auto boxes = CoverModel(colours, size);
+            if (boxes.size() <= entries && boxes.size() > best.size())
+                best = boxes;
+            if (boxes.size() < fewest.size())
+                fewest = boxes;
+        }
+        if (!best.empty())
+            return best;
+    }
+    fewest.resize(std::min(fewest.size(), entries));
+    return fewest;
+}
+
+void CheckQuantizer(Bitmap& source, const RECT* area, uint32_t entries, uint32_t flags, Random& random)
+{
+    Bitmap dest(VXPIXEL_PAL8, 4, 4, entries, random);
+    const BITMAPINFOHEADER& h = *source.Header();
+    const int32_t type = VxGetPixelType(&h);
+    const ModelJob job{type, 1, false, reinterpret_cast<uint8_t*>(source.Table()), nullptr, nullptr};
+    std::set<Colour> colours;
+    const RECT marked = area ? *area : RECT{0, 0, h.biWidth, h.biHeight};
+    for (int32_t y = std::max(marked.top, 0); y < std::min(marked.bottom, h.biHeight); ++y)
+        for (int32_t x = std::max(marked.left, 0); x < std::min(marked.right, h.biWidth); ++x) {
+            const Channels c = ModelRead(job, source.Row(y), int64_t(x) * ModelOf(type).bits);
+            colours.insert({int32_t(c[2]) >> 11, int32_t(c[1]) >> 11, int32_t(c[0]) >> 11});
+        }
+    std::vector<RGBQUAD> want(dest.Table(), dest.Table() + entries);
+    const auto boxes = ChooseModel(colours, entries);
+    for (size_t i = 0; i < boxes.size(); ++i) {
+        const auto middle = [](int32_t a, int32_t b) { return uint8_t((a + b) / 2 * 8); };
+        const BoxModel& box = boxes[i];
+        want[i] = {middle(box.first.b, box.last.b), middle(box.first.g, box.last.g),
+                   middle(box.first.r, box.last.r), 0};
+    }
+    ASSERT_EQ(VxDibQuantizePalette(dest.Header(), source.Header(), nullptr, area, 0, flags), S_OK);
+    ASSERT_EQ(std::memcmp(dest.Table(), want.data(), 4 * entries), 0)
+        << "type " << type << ", entries " << entries << ", boxes " << boxes.size() << ", colours "
+        << colours.size();
+    ASSERT_EQ(dest.Header()->biClrUsed, entries);
+}
+
+TEST(Quantizer, ChoosesTheModelsTable)
+{
+    Random random;
+    for (int32_t type = VXPIXEL_PAL1; type <= VXPIXEL_RGBA128; ++type)
+        for (const uint32_t entries : {1u, 2u, 16u, 200u}) {
+            if (type == VXPIXEL_GRAY32 || type == VXPIXEL_RGBA128)
+                continue; // random bytes are wild floats; their reading is tested with the exchange
+            Bitmap source(type, 23, 9, type == VXPIXEL_PAL8 ? 256 : type == VXPIXEL_PAL4 ? 16 : 0, random);
+            const RECT area{3, 2, 50, 8};
+            CheckQuantizer(source, nullptr, entries, 1, random);
+            CheckQuantizer(source, &area, entries, 3, random);
+        }
+}
+
+// Colours none of which is below another in all channels need a box each: a table of two never fits.
+TEST(Quantizer, ATableThatNeverFitsGetsItsFirstEntries)
+{
+    Random random;
+    Bitmap source(VXPIXEL_RGB24, 32, 1, 0, random);
+    for (int32_t x = 0; x < 32; ++x) {
+        const uint8_t pixel[3] = {uint8_t(x * 8), uint8_t(248 - x * 8), 0};
+        std::memcpy(source.Row(0) + 3 * x, pixel, 3);
+    }
+    for (const uint32_t entries : {1u, 2u, 31u, 32u})
+        CheckQuantizer(source, nullptr, entries, 3, random);
+}
+
+TEST(Quantizer, OneColourIsOneEntry)
+{
+    Random random;
+    Bitmap source(VXPIXEL_RGB24, 4, 4, 0, random), dest(VXPIXEL_PAL4, 4, 4, 16, random);
+    std::memset(source.Pixels(), 0x48, size_t(4 * source.Stride()));
+    const RGBQUAD second = dest.Table()[1];
+    ASSERT_EQ(VxDibQuantizePalette(dest.Header(), source.Header(), nullptr, nullptr, 0, 1), S_OK);
+    const RGBQUAD want{0x48, 0x48, 0x48, 0};
+    EXPECT_EQ(std::memcmp(&dest.Table()[0], &want, 4), 0);
+    EXPECT_EQ(std::memcmp(&dest.Table()[1], &second, 4), 0);
+}
+
+TEST(Quantizer, ChecksComeInOrderAndLeaveTheTable)
+{
+    Random random;
+    Bitmap rgb(VXPIXEL_RGB24, 4, 4, 0, random), yuv(VXPIXEL_UYVY, 4, 4, 0, random),
+        dest(VXPIXEL_PAL8, 4, 4, 8, random);
+    const std::vector<RGBQUAD> before(dest.Table(), dest.Table() + 8);
+    const RECT nothing{9, 9, 12, 12};
+    const auto quantize = [&](Bitmap& to, Bitmap& from, const RECT* area) {
+        return VxDibQuantizePalette(to.Header(), from.Header(), nullptr, area, 0, 1);
+    };
+    EXPECT_EQ(quantize(rgb, yuv, &nothing), E_NOTIMPL);
+    EXPECT_EQ(quantize(rgb, rgb, &nothing), S_OK);
+    EXPECT_EQ(quantize(rgb, rgb, nullptr), E_NOTIMPL);
+    EXPECT_EQ(quantize(dest, rgb, &nothing), S_OK);
+    VxPlatform_FailAllocationAt(1);
+    EXPECT_EQ(quantize(dest, rgb, nullptr), E_OUTOFMEMORY);
+    dest.Header()->biClrUsed = 0;
+    EXPECT_EQ(quantize(dest, rgb, nullptr), E_INVALIDARG);
+    EXPECT_EQ(std::memcmp(dest.Table(), before.data(), 32), 0);
+}
+
+// The flood as it is told: whole walks over a cube with a generation for every cell.
+std::vector<uint8_t> FloodModel(const RGBQUAD* table, uint32_t entries)
+{
+    std::vector<uint8_t> map(32768, 255), generation(32768, 0);
+    for (uint32_t i = 0; i < entries; ++i) {
+        const size_t cell = size_t(table[i].rgbRed >> 3) * 1024 + size_t(table[i].rgbGreen >> 3) * 32 +
+                            (table[i].rgbBlue >> 3);
+        if (map[cell] > 254) {
+            map[cell] = uint8_t(i);
+            generation[cell] = 1;
+        }
+    }
+    for (uint8_t now = 2; std::count(map.begin(), map.end(), 255) != 0; ++now)
+        for (int32_t r = 0; r < 32; ++r)
+            for (int32_t g = 0; g < 32; ++g)
+                for (int32_t b = 0; b < 32; ++b) {
+                    const int32_t cell = r * 1024 + g * 32 + b;
+                    if (generation[size_t(cell)] != now - 1)
+                        continue;
+                    const int32_t inside[6] = {r > 0, g > 0, b > 0, r < 31, g < 31, b < 31};
+                    const int32_t step[6] = {-1024, -32, -1, 1024, 32, 1};
+                    for (int32_t i = 0; i < 6; ++i)
+                        if (inside[i] && map[size_t(cell + step[i])] > 254) {
+                            map[size_t(cell + step[i])] = map[size_t(cell)];
+                            generation[size_t(cell + step[i])] = now;
+                        }
+                }
+    return map;
+}
+
+TEST(ColourMap, IsTheFloodAndTheNearestAlongTheAxes)
+{
+    Random random;
+    for (const uint32_t entries : {1u, 2u, 5u, 16u, 100u, 255u, 256u}) {
+        Bitmap bitmap(VXPIXEL_PAL8, 1, 1, entries, random);
+        if (entries > 4)
+            bitmap.Table()[4] = bitmap.Table()[2]; // the first of two equal entries is taken
+        uint8_t* map = nullptr;
+        ASSERT_EQ(VxDibCreateColorQuantizer(&map, bitmap.Header()), S_OK);
+        const auto want = FloodModel(bitmap.Table(), entries);
+        ASSERT_EQ(std::memcmp(map, want.data(), want.size()), 0) << entries;
+        const auto distance = [&](int32_t cell, uint32_t i) {
+            const RGBQUAD& e = bitmap.Table()[i];
+            return std::abs(cell / 1024 - e.rgbRed / 8) + std::abs(cell / 32 % 32 - e.rgbGreen / 8) +
+                   std::abs(cell % 32 - e.rgbBlue / 8);
+        };
+        for (int32_t cell = 0; cell < 32768; cell += 7) {
+            int32_t least = 1000;
+            for (uint32_t i = 0; i < std::min(entries, 255u); ++i) // 255 reads as empty
+                least = std::min(least, distance(cell, i));
+            ASSERT_EQ(distance(cell, map[cell]), least) << entries << " entries, cell " << cell;
+        }
+        EXPECT_EQ(GlobalFree(GlobalHandle(map)), nullptr);
+    }
+}
+
+TEST(ColourMap, RefusalsClearTheResult)
+{
+    Random random;
+    Bitmap bitmap(VXPIXEL_PAL8, 1, 1, 2, random);
+    uint8_t byte = 0;
+    uint8_t* map = &byte;
+    VxPlatform_FailAllocationAt(1);
+    EXPECT_EQ(VxDibCreateColorQuantizer(&map, bitmap.Header()), E_OUTOFMEMORY);
+    EXPECT_EQ(map, nullptr);
+    bitmap.Header()->biClrUsed = 0;
+    map = &byte;
+    EXPECT_EQ(VxDibCreateColorQuantizer(&map, bitmap.Header()), E_INVALIDARG);
+    EXPECT_EQ(map, nullptr);
+}
+
+} // namespace

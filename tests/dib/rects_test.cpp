@@ -1,0 +1,223 @@
+#include "dib/fixed.h"
+#include "support/random.h"
+#include "vx/dib.h"
+
+#include <cmath>
+#include <gtest/gtest.h>
+
+// In the namespace of RECT, where GoogleTest looks.
+static bool operator==(const RECT& a, const RECT& b)
+{
+    return a.left == b.left && a.top == b.top && a.right == b.right && a.bottom == b.bottom;
+}
+
+static std::ostream& operator<<(std::ostream& out, const RECT& r)
+{
+    return out << "(" << r.left << ", " << r.top << ", " << r.right << ", " << r.bottom << ")";
+}
+
+namespace {
+
+using vxtest::Random;
+
+BITMAPINFOHEADER SizedHeader(int32_t width, int32_t height)
+{
+    BITMAPINFOHEADER header{};
+    header.biSize = sizeof(header);
+    header.biWidth = width;
+    header.biHeight = height;
+    return header;
+}
+
+struct Prepared
+{
+    RECT dest{}, source{}, clip{};
+};
+
+Prepared Prepare(SIZE dest, const RECT* destIn, SIZE source, const RECT* sourceIn)
+{
+    const BITMAPINFOHEADER d = SizedHeader(dest.cx, dest.cy), s = SizedHeader(source.cx, source.cy);
+    Prepared out;
+    VxDibPrepareRects(&d, &out.dest, destIn, &s, &out.source, sourceIn, &out.clip);
+    return out;
+}
+
+struct RectsCase
+{
+    const char* name;
+    SIZE dest;
+    RECT destIn;
+    SIZE source;
+    RECT sourceIn;
+    RECT wantDest, wantSource, wantClip;
+};
+
+constexpr RectsCase kRectsCases[] = {
+    {"inside both",
+     {10, 10},
+     {1, 2, 3, 4},
+     {20, 20},
+     {0, 0, 20, 20},
+     {1, 2, 3, 4},
+     {0, 0, 20, 20},
+     {0, 0, 0, 0}},
+    {"the divisor is the bitmap that cuts",
+     {100, 100},
+     {-10, 0, 10, 100},
+     {50, 50},
+     {0, 0, 40, 50},
+     {0, 0, 10, 100},
+     {4, 0, 40, 50},
+     {4, 0, 0, 0}},
+    {"both cuts share the whole width",
+     {100, 10},
+     {-50, 0, 150, 10},
+     {80, 10},
+     {0, 0, 80, 10},
+     {0, 0, 0, 0},
+     {0, 0, 0, 0},
+     {0, 0, 0, 0}},
+    {"both cuts of a wide rectangle",
+     {100, 10},
+     {-10, 0, 120, 10},
+     {80, 10},
+     {0, 0, 80, 10},
+     {0, 0, 100, 10},
+     {8, 0, 64, 10},
+     {8, 0, 16, 0}},
+    {"the source cuts first",
+     {40, 40},
+     {0, 0, 40, 40},
+     {20, 20},
+     {-5, 0, 15, 20},
+     {10, 0, 40, 40},
+     {0, 0, 15, 20},
+     {5, 0, 0, 0}},
+    {"rows like columns",
+     {10, 100},
+     {0, -10, 10, 90},
+     {10, 50},
+     {0, 0, 10, 50},
+     {0, 0, 10, 90},
+     {0, 5, 10, 50},
+     {0, 5, 0, 0}},
+    {"truncated", {3, 3}, {-1, 0, 3, 3}, {10, 3}, {0, 0, 10, 3}, {0, 0, 3, 3}, {3, 0, 10, 3}, {3, 0, 0, 0}},
+    {"outside the destination", {10, 10}, {10, 0, 12, 10}, {10, 10}, {0, 0, 2, 10}, {}, {}, {}},
+    {"outside the source", {10, 10}, {0, 0, 2, 10}, {10, 10}, {-2, 0, 0, 10}, {}, {}, {}},
+    {"inverted", {10, 10}, {5, 0, 2, 10}, {10, 10}, {0, 0, 3, 10}, {}, {}, {}},
+    {"empty inside", {10, 10}, {0, 0, 3, 3}, {10, 10}, {2, 2, 2, 5}, {}, {}, {}},
+    {"far ends do not overflow",
+     {100, 100},
+     {-1, 0, 99, 100},
+     {100, 100},
+     {INT32_MIN, 0, INT32_MAX, 100},
+     {},
+     {},
+     {}},
+};
+
+TEST(Rects, Table)
+{
+    for (const RectsCase& c : kRectsCases) {
+        const Prepared got = Prepare(c.dest, &c.destIn, c.source, &c.sourceIn);
+        EXPECT_EQ(got.dest, c.wantDest) << c.name;
+        EXPECT_EQ(got.source, c.wantSource) << c.name;
+        EXPECT_EQ(got.clip, c.wantClip) << c.name;
+    }
+}
+
+TEST(Rects, NullRectanglesAreTheWholeBitmapAgain)
+{
+    const RECT beyond{-5, 0, 5, 10}, away{50, 50, 60, 60};
+    Prepared got = Prepare({10, 10}, &beyond, {20, 20}, nullptr);
+    EXPECT_EQ(got.dest, (RECT{0, 0, 5, 10}));
+    EXPECT_EQ(got.source, (RECT{0, 0, 20, 20}));
+    EXPECT_EQ(got.clip, (RECT{0, 0, 0, 0}));
+    got = Prepare({10, 10}, nullptr, {20, 20}, &beyond);
+    EXPECT_EQ(got.dest, (RECT{0, 0, 10, 10}));
+    EXPECT_EQ(got.source, (RECT{0, 0, 5, 10}));
+    EXPECT_EQ(got.clip, (RECT{5, 0, 0, 0}));
+    got = Prepare({10, 10}, nullptr, {20, 20}, &away);
+    EXPECT_EQ(got.dest, (RECT{0, 0, 10, 10}));
+    EXPECT_EQ(got.source, (RECT{0, 0, 0, 0}));
+}
+
+// One axis of one clip, in the largest integers there are.
+using Wide = __int128;
+bool ModelClip(Wide a[2], Wide other[2], Wide size)
+{
+    if (a[0] >= a[1] || a[0] >= size || a[1] <= 0)
+        return false;
+    const Wide cut[2] = {a[0] < 0 ? -a[0] : 0, a[1] > size ? a[1] - size : 0}, length = other[1] - other[0];
+    other[0] += length * cut[0] / size;
+    other[1] -= length * cut[1] / size;
+    a[0] += cut[0];
+    a[1] -= cut[1];
+    return true;
+}
+
+TEST(Rects, RandomPairsFollowTheModelAndStayInside)
+{
+    Random random;
+    int32_t kept = 0;
+    for (int32_t round = 0; round < 50000; ++round) {
+        const int32_t reach = round % 2 ? 30 : 1 << 30;
+        const auto side = [&] { return random.Int(1, reach); };
+        const SIZE destSize{side(), side()}, sourceSize{side(), side()};
+        const auto rect = [&](SIZE size) {
+            const int32_t left = random.Int(-size.cx / 2, size.cx / 2),
+                          top = random.Int(-size.cy / 2, size.cy / 2);
+            return RECT{left, top, left + random.Int(0, size.cx), top + random.Int(0, size.cy)};
+        };
+        const RECT d = rect(destSize), s = rect(sourceSize);
+        Wide dx[2] = {d.left, d.right}, dy[2] = {d.top, d.bottom}, sx[2] = {s.left, s.right},
+             sy[2] = {s.top, s.bottom};
+        const bool some = ModelClip(sx, dx, sourceSize.cx) && ModelClip(sy, dy, sourceSize.cy) &&
+                          ModelClip(dx, sx, destSize.cx) && ModelClip(dy, sy, destSize.cy) && sx[0] < sx[1] &&
+                          sy[0] < sy[1];
+        const auto want = [some](const Wide x[2], const Wide y[2]) {
+            return some ? RECT{LONG(x[0]), LONG(y[0]), LONG(x[1]), LONG(y[1])} : RECT{0, 0, 0, 0};
+        };
+        const Prepared got = Prepare(destSize, &d, sourceSize, &s);
+        ASSERT_EQ(got.dest, want(dx, dy)) << d << " of " << destSize.cx << "x" << destSize.cy << ", " << s;
+        ASSERT_EQ(got.source, want(sx, sy))
+            << d << ", " << s << " of " << sourceSize.cx << "x" << sourceSize.cy;
+        ASSERT_TRUE(got.dest.left >= 0 && got.dest.right <= destSize.cx && got.source.top >= 0 &&
+                    got.source.bottom <= sourceSize.cy);
+        if (some) {
+            const RECT clip{got.source.left - s.left, got.source.top - s.top, s.right - got.source.right,
+                            s.bottom - got.source.bottom};
+            ASSERT_EQ(got.clip, clip);
+        }
+        kept += some;
+    }
+    EXPECT_GT(kept, 10000);
+}
+
+TEST(Rects, OutputsMayBeTheInputsAndTheClipMayBeNull)
+{
+    const BITMAPINFOHEADER d = SizedHeader(100, 100), s = SizedHeader(50, 50);
+    RECT dest{-10, 0, 10, 100}, source{0, 0, 40, 50};
+    VxDibPrepareRects(&d, &dest, &dest, &s, &source, &source, nullptr);
+    EXPECT_EQ(dest, (RECT{0, 0, 10, 100}));
+    EXPECT_EQ(source, (RECT{4, 0, 40, 50}));
+}
+
+TEST(Fixed, FloorAndCeilingOfCoordinatesAndTheByteBlend)
+{
+    Random random;
+    for (int32_t i = 0; i < 10000; ++i) {
+        const int32_t c = random.Int(-(1 << 20), 1 << 20) >> (i % 8);
+        ASSERT_EQ(vx::SubpixelFloor(c), int32_t(std::floor(c / 16384.0)) * 16384) << c;
+        ASSERT_EQ(vx::SubpixelCeiling(c), int32_t(std::ceil(c / 16384.0)) * 16384) << c;
+        ASSERT_EQ(vx::SubpixelFloor(c) + vx::SubpixelFraction(c), c);
+    }
+    for (int32_t v = 0; v < 256; ++v)
+        for (int32_t c = 0; c < 256; ++c)
+            for (int32_t a = 0; a < 256; a += c % 2 ? 1 : 17)
+                ASSERT_NEAR(vx::BlendByte(uint8_t(v), uint8_t(c), a), v + (c - v) * a / 255.0,
+                            c >= v ? 0.5 : 0.502)
+                    << v << " " << c << " " << a;
+}
+
+} // namespace
