@@ -9,6 +9,7 @@
 #include "vx/internationals.h"
 #include "vx/numbers.h"
 #include "vx/pixel.h"
+#include "vx/scale.h"
 #include "vx/smpte.h"
 #include "vx/timer.h"
 #include "vx/types.h"

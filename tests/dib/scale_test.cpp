@@ -1,0 +1,301 @@
+#include "support/scale_model.h"
+#include "support/vector_levels.h"
+
+#include <cmath>
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace vxtest;
+
+constexpr int32_t kOne = 16384;
+
+// Source and destination of a call, filled with random pixels.
+struct Frames
+{
+    Frame source, dest;
+
+    Frames(const SIZE& from, const SIZE& to, const ScaleCall& call, Rows rows, Random& random)
+        : source(from.cx, from.cy, call.bytesPerPixel, rows, random),
+          dest(to.cx, to.cy, call.bytesPerPixel, rows, random)
+    {
+        if (call.bytesPerPixel == 16) {
+            source.FillFloats(random, -0.5f, 1.5f);
+            dest.FillFloats(random, -0.5f, 1.5f);
+        }
+    }
+};
+
+SIZE RandomSize(Random& random, int32_t most)
+{
+    const int32_t limit = random.Int(0, 3) == 0 ? 3 : most; // small frames have corners of their own
+    return {random.Int(1, limit), random.Int(1, limit)};
+}
+
+// An extent of an axis in 1/16384: on whole pixels or between them, inside or across the frame's sides.
+void RandomExtent(Random& random, int32_t size, LONG& first, LONG& last)
+{
+    const auto place = [&](int32_t from, int32_t to) { return random.Int(from * kOne, to * kOne); };
+    switch (random.Int(0, 4)) {
+    case 0: // whole pixels
+        first = random.Int(-2, size) * kOne;
+        last = first + random.Int(0, size + 4) * kOne;
+        break;
+    case 1: // around the least size that does anything
+        first = place(0, size);
+        last = first + random.Int(1020, 1030);
+        break;
+    case 2: // within a pixel or two
+        first = place(0, size);
+        last = first + random.Int(1, 2 * kOne);
+        break;
+    default:
+        first = place(-size / 2 - 1, size);
+        last = first + random.Int(1, size + size / 2) * kOne + random.Int(-kOne, kOne);
+        break;
+    }
+}
+
+std::optional<RECT> RandomRect(Random& random, const Frame& frame, bool subPixel)
+{
+    if (random.Int(0, 3) == 0)
+        return std::nullopt;
+    RECT r;
+    RandomExtent(random, frame.Width(), r.left, r.right);
+    RandomExtent(random, frame.Height(), r.top, r.bottom);
+    if (!subPixel)
+        for (LONG* side : {&r.left, &r.top, &r.right, &r.bottom})
+            *side /= kOne;
+    return r;
+}
+
+ScaleCall RandomCall(Random& random, int32_t bytesPerPixel)
+{
+    ScaleCall call;
+    call.cubic = random.Int(0, 1);
+    call.subPixel = random.Int(0, 2);
+    call.area = random.Int(0, 1);
+    call.noEdgeBlend = random.Int(0, 3) == 0;
+    call.bytesPerPixel = bytesPerPixel;
+    return call;
+}
+
+template <class Channel>
+testing::AssertionResult SameChannels(const Frame& want, const Frame& got, double tolerance)
+{
+    for (int32_t y = 0; y < want.Height(); ++y)
+        for (int32_t i = 0; i < 4 * want.Width(); ++i) {
+            const double a = want.Get<Channel>(i, y), b = got.Get<Channel>(i, y);
+            if (!(std::abs(a - b) <= tolerance))
+                return testing::AssertionFailure() << "column " << i / 4 << ", row " << y << ", channel "
+                                                   << i % 4 << ": want " << a << ", got " << b;
+        }
+    return testing::AssertionSuccess();
+}
+
+// Box sums of floats may be taken in another order: then a result differs in its last bits.
+testing::AssertionResult Same(const ScaleCall& call, const Frame& want, const Frame& got)
+{
+    const bool inBits = call.bytesPerPixel == 4 || !call.area;
+    const auto same = call.bytesPerPixel == 4 ? SameChannels<uint8_t>(want, got, 0.0)
+                                              : SameChannels<float>(want, got, inBits ? 0.0 : 4e-7);
+    if (!same || !inBits || want == got)
+        return same;
+    return testing::AssertionFailure() << "bytes outside the rows, or bits of a zero";
+}
+
+void ExpectModel(const ScaleCall& call, const Frames& frames, const VectorLevel& level)
+{
+    Frame want = frames.dest, got = frames.dest;
+    ModelScale(call, want, frames.source);
+    const OnlyLevel only(level);
+    Scale(call, got, frames.source);
+    ASSERT_TRUE(Same(call, want, got))
+        << call << ", source " << frames.source << ", dest " << want << ", " << level.name;
+}
+
+TEST(Scale, GivesTheModelForAnyRectangles)
+{
+    Random random;
+    std::vector<VectorLevel> levels = VectorLevels();
+    levels.push_back(kPlain);
+    for (int32_t i = 0; i < 6000; ++i) {
+        ScaleCall call = RandomCall(random, i % 3 == 0 ? 16 : 4);
+        const Frames frames(RandomSize(random, 30), RandomSize(random, 30), call, kAllRows[i % 3], random);
+        call.destRect = RandomRect(random, frames.dest, call.subPixel);
+        call.sourceRect = RandomRect(random, frames.source, call.subPixel);
+        ExpectModel(call, frames, levels[size_t(i) % levels.size()]);
+        if (HasFatalFailure())
+            return;
+    }
+}
+
+// Each kernel over frames of wide ranges of ratios, whose inner pixels run the row workers.
+TEST(Scale, GivesTheModelForAnyRatio)
+{
+    Random random(2);
+    std::vector<VectorLevel> levels = VectorLevels();
+    levels.push_back(kPlain);
+    constexpr SIZE kFrom[] = {{96, 5}, {61, 40}, {7, 9}, {300, 3}, {64, 64}, {128, 66}};
+    constexpr SIZE kTo[] = {{70, 6}, {128, 7}, {16, 10}, {33, 33}, {1, 2}, {70, 40}};
+    for (const SIZE& from : kFrom)
+        for (const SIZE& to : kTo)
+            for (int32_t i = 0; i < 8; ++i) {
+                ScaleCall call;
+                call.cubic = i & 1;
+                call.area = i & 2;
+                call.bytesPerPixel = i & 4 ? 16 : 4;
+                const Frames frames(from, to, call, kAllRows[i % 3], random);
+                for (const VectorLevel& level : levels) {
+                    ExpectModel(call, frames, level);
+                    if (HasFatalFailure())
+                        return;
+                }
+            }
+}
+
+// Pictures of few values, mixed at halves and quarters, stand on roundings: there the estimates of
+// vector forms must give way.
+TEST(Scale, LinearTiesGiveTheModel)
+{
+    Random random(3);
+    std::vector<VectorLevel> levels = VectorLevels();
+    for (const SIZE to : {SIZE{127, 31}, SIZE{64, 31}, SIZE{253, 16}, SIZE{127, 16}, SIZE{190, 23}}) {
+        ScaleCall call;
+        Frames frames({64, 16}, to, call, Rows::Wide, random);
+        for (int32_t y = 0; y < 16; ++y)
+            for (int32_t i = 0; i < 4 * 64; ++i)
+                frames.source.Set(i, y, uint8_t(random.Int(0, 3)));
+        for (const VectorLevel& level : levels) {
+            ExpectModel(call, frames, level);
+            if (HasFatalFailure())
+                return;
+        }
+    }
+}
+
+// Wider than a run of columns that is prepared at once, and large enough to be shared among threads.
+TEST(Scale, LargeFramesGiveThePlainBits)
+{
+    Random random(4);
+    for (int32_t i = 0; i < 8; ++i) {
+        ScaleCall call;
+        call.cubic = i & 1;
+        call.area = i & 2;
+        call.bytesPerPixel = i & 4 ? 16 : 4;
+        call.subPixel = true;
+        const SIZE small{1300, 250}, large{2500, 300};
+        const Frames frames(call.area ? large : small, call.area ? small : large, call, Rows::Wide, random);
+        call.destRect =
+            RECT{5000, 7000, frames.dest.Width() * kOne - 3000, frames.dest.Height() * kOne - 9000};
+        Frame plain = frames.dest;
+        {
+            const OnlyLevel only(kPlain);
+            Scale(call, plain, frames.source);
+        }
+        for (const VectorLevel& level : VectorLevels()) {
+            const OnlyLevel only(level);
+            Frame vector = frames.dest;
+            Scale(call, vector, frames.source);
+            ASSERT_EQ(plain, vector) << call << ", " << level.name;
+        }
+    }
+}
+
+// One channel of small byte pictures, worked by hand.
+struct RowCase
+{
+    const char* name;
+    ScaleCall call;
+    std::vector<uint8_t> source, dest, want;
+};
+
+Frame GrayRow(const std::vector<uint8_t>& values, Random& random)
+{
+    Frame frame(int32_t(values.size()), 1, 4, Rows::Tight, random);
+    for (size_t x = 0; x < values.size(); ++x)
+        for (int32_t c = 0; c < 4; ++c)
+            frame.Set(int32_t(x) * 4 + c, 0, values[x]);
+    return frame;
+}
+
+TEST(Scale, RowsWorkedByHand)
+{
+    const ScaleCall linear, cubic{.cubic = true}, area{.area = true};
+    const RECT halves{kOne / 2, 0, 3 * kOne / 2, kOne}, speck{0, 0, 1023, kOne};
+    const RowCase cases[] = {
+        {"equal sizes copy", linear, {1, 200, 3}, {9, 9, 9}, {1, 200, 3}},
+        {"ends stay, the mean lies between", linear, {10, 20}, {0, 0, 0}, {10, 15, 20}},
+        {"one pixel repeats", linear, {77}, {0, 0, 0, 0}, {77, 77, 77, 77}},
+        {"one pixel repeats, cubic", cubic, {77}, {0, 0, 0, 0}, {77, 77, 77, 77}},
+        {"samples skip", linear, {1, 50, 9, 50, 17}, {0, 0, 0}, {1, 9, 17}},
+        {"areas average", area, {10, 20, 30, 40}, {0, 0}, {15, 35}},
+        {"halves blend", {.subPixel = true, .destRect = halves}, {200}, {100, 0, 50}, {150, 100, 50}},
+        {"halves are written whole",
+         {.subPixel = true, .noEdgeBlend = true, .destRect = halves},
+         {200},
+         {100, 0, 50},
+         {200, 200, 50}},
+        {"below a sixteenth nothing", {.subPixel = true, .destRect = speck}, {200}, {1, 2}, {1, 2}},
+        // Weights at a quarter pixel: -9/128, 111/128, 29/128, -3/128; 255 * -9/128 and 255 * 137/128 are limited.
+        {"cubic overshoots are limited",
+         cubic,
+         {0, 0, 255, 255},
+         {0, 0, 0, 0, 0, 0, 0, 0},
+         {0, 0, 0, 52, 203, 255, 255, 255}},
+    };
+    Random random;
+    for (const RowCase& c : cases) {
+        const Frame source = GrayRow(c.source, random);
+        Frame dest = GrayRow(c.dest, random);
+        Scale(c.call, dest, source);
+        std::vector<uint8_t> got;
+        for (int32_t x = 0; x < dest.Width(); ++x)
+            got.push_back(dest.Get<uint8_t>(4 * x, 0));
+        EXPECT_EQ(got, c.want) << c.name;
+    }
+}
+
+TEST(Scale, CubicFloatsOvershootExceptAlpha)
+{
+    Random random;
+    const ScaleCall call{.cubic = true, .bytesPerPixel = 16};
+    Frames frames({8, 8}, {64, 64}, call, Rows::Tight, random);
+    frames.source.FillFloats(random, 0.0f, 1.0f);
+    Scale(call, frames.dest, frames.source);
+    float least[4] = {}, most[4] = {};
+    for (int32_t y = 0; y < 64; ++y)
+        for (int32_t i = 0; i < 256; ++i) {
+            least[i % 4] = std::min(least[i % 4], frames.dest.Get<float>(i, y));
+            most[i % 4] = std::max(most[i % 4], frames.dest.Get<float>(i, y));
+        }
+    for (int32_t c = 0; c < 3; ++c) {
+        EXPECT_LT(least[c], 0.0f);
+        EXPECT_GT(most[c], 1.0f);
+    }
+    EXPECT_EQ(least[3], 0.0f);
+    EXPECT_EQ(most[3], 1.0f);
+}
+
+TEST(Scale, FlatPicturesStayFlat)
+{
+    Random random(5);
+    for (int32_t i = 0; i < 400; ++i) {
+        ScaleCall call = RandomCall(random, 4);
+        call.noEdgeBlend = false; // which divides a part by the whole
+        Frames frames(RandomSize(random, 90), RandomSize(random, 90), call, Rows::Tight, random);
+        for (Frame* frame : {&frames.source, &frames.dest})
+            for (int32_t y = 0; y < frame->Height(); ++y)
+                for (int32_t x = 0; x < frame->Width() * 4; ++x)
+                    frame->Set(x, y, uint8_t(201));
+        const Frame flat = frames.dest;
+        call.destRect = RandomRect(random, frames.dest, call.subPixel);
+        Scale(call, frames.dest, frames.source);
+        for (int32_t y = 0; y < flat.Height(); ++y)
+            for (int32_t x = 0; x < flat.Width() * 4; ++x)
+                ASSERT_NEAR(frames.dest.Get<uint8_t>(x, y), 201, call.cubic || call.area ? 1 : 0)
+                    << call << ", " << frames.source;
+    }
+}
+
+} // namespace
