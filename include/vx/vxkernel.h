@@ -6,6 +6,8 @@
 #include "vx/capability.h"
 #include "vx/channels.h"
 #include "vx/composite.h"
+#include "vx/dibcopy.h"
+#include "vx/fields.h"
 #include "vx/internationals.h"
 #include "vx/numbers.h"
 #include "vx/pixel.h"
