@@ -56,18 +56,20 @@ public:
         share_ = 65535 / (width_ + 1);
     }
 
-    // The destination's share of each pixel of a run, in 1/65536; false where all are 0.
+    // The destination's share of each pixel of a run, in 1/65536; false where none has one.
     bool Weights(uint16_t* weights, int32_t x, int32_t y, int32_t count) const
     {
         const bool scaled = job_.IsScaled();
+        const auto deepColumn = [&](int32_t column) {
+            return columns_.Depth(scaled ? job_.x.Position(column) / kSubpixelOne : column, width_);
+        };
         const int64_t deepRow = rows_.Depth(scaled ? job_.y.Position(y) / kSubpixelOne : y, width_);
-        bool any = false;
-        for (int32_t i = 0; i < count; ++i) {
-            const int64_t column = scaled ? job_.x.Position(x + i) / kSubpixelOne : x + i;
-            weights[i] = uint16_t(std::max(deepRow, columns_.Depth(column, width_)) * share_);
-            any |= weights[i] != 0;
-        }
-        return any;
+        // No column is deeper than the deeper end of a run.
+        if (deepRow == 0 && deepColumn(x) == 0 && deepColumn(x + count - 1) == 0)
+            return false;
+        for (int32_t i = 0; i < count; ++i)
+            weights[i] = uint16_t(std::max(deepRow, deepColumn(x + i)) * share_);
+        return true;
     }
 
 private:

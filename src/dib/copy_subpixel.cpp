@@ -22,9 +22,8 @@ public:
           step_(std::max(step, 0)), lastSource_(std::max(CeilingPixel(sourceLast) - 1, FirstSource())),
           isNarrow_(sourceLast - sourceFirst <= kSubpixelOne)
     {
-        const int32_t length = destLast - destFirst;
-        firstCoverage_ = count_ == 1 ? length : kSubpixelOne - SubpixelFraction(destFirst);
-        lastCoverage_ = count_ == 1 ? length : destLast - (first_ + count_ - 1) * kSubpixelOne;
+        firstCoverage_ = count_ == 1 ? destLast - destFirst : kSubpixelOne - SubpixelFraction(destFirst);
+        lastCoverage_ = destLast - (first_ + count_ - 1) * kSubpixelOne;
         firstStep_ = int64_t(step_) * firstCoverage_ / kSubpixelOne;
     }
 

@@ -249,6 +249,16 @@ HWY_INLINE V HeldToUnit(V x)
     return hn::Min(hn::IfThenElseZero(hn::Gt(x, hn::Zero(d)), x), hn::Set(d, 1.0f));
 }
 
+// The table's entries at each index and behind it, side by side.
+template <class V>
+HWY_INLINE hn::Vec<Floats> EntryPairs(V indexes, const VxTransferCurve& curve)
+{
+    const hn::Repartition<int64_t, Floats> pairs;
+    const auto offsets = hn::ShiftLeft<2>(hn::PromoteTo(pairs, indexes));
+    return hn::BitCast(Floats(),
+                       hn::GatherOffset(pairs, reinterpret_cast<const int64_t*>(curve.floatTable), offsets));
+}
+
 // Between entries of the table, for values already held.
 template <class V>
 HWY_INLINE V Interpolate(V held, const VxTransferCurve& curve)
@@ -258,8 +268,10 @@ HWY_INLINE V Interpolate(V held, const VxTransferCurve& curve)
     const auto p = hn::Mul(held, hn::Set(d, float(curve.tableLast)));
     const auto index = hn::ConvertTo(longs, p);
     const auto f = hn::Sub(p, hn::ConvertTo(d, index));
-    const auto here = hn::GatherIndex(d, curve.floatTable, index);
-    const auto next = hn::GatherIndex(d, curve.floatTable + 1, index);
+    // An entry and the next one are gathered as one lane: half the loads.
+    const auto low = EntryPairs(hn::LowerHalf(index), curve);
+    const auto high = EntryPairs(hn::UpperHalf(hn::Half<Longs>(), index), curve);
+    const auto here = hn::ConcatEven(d, high, low), next = hn::ConcatOdd(d, high, low);
     return hn::Add(hn::Mul(here, hn::Sub(hn::Set(d, 1.0f), f)), hn::Mul(next, f));
 }
 
@@ -294,20 +306,6 @@ HWY_INLINE V LookUpLevels(V x, const VxTransferCurve& curve)
     return levels;
 }
 
-// The product is rounded to a float, which may reach the next integer: x * 255 is then less than the
-// integer, and so is 256 x - integer less than x; that difference is exact.
-template <class V>
-HWY_INLINE auto TruncatedLevels(V x)
-{
-    const Floats d;
-    const Longs longs;
-    const auto held = HeldToUnit(x);
-    const auto level = hn::ConvertTo(longs, hn::Mul(held, hn::Set(d, 255.0f)));
-    const auto rest = hn::Sub(hn::Mul(held, hn::Set(d, 256.0f)), hn::ConvertTo(d, level));
-    const auto isTooHigh = hn::RebindMask(longs, hn::Lt(rest, held));
-    return hn::Sub(level, hn::IfThenElseZero(isTooHigh, hn::Set(longs, 1)));
-}
-
 // Bytes are gathered as the aligned words that hold them.
 template <class V>
 HWY_INLINE auto PickedLevels(V x, const VxTransferCurve& curve)
@@ -328,21 +326,23 @@ HWY_INLINE auto PickedLevels(V x, const VxTransferCurve& curve)
     return hn::IfThenZeroElse(isBelow, hn::IfThenElse(isAbove, hn::Set(longs, 255), level));
 }
 
+// The product of Levels::Truncated is one of floats: rounded, it reaches the next integer for no float from
+// 0.0 to 1.0.
 template <Levels levels, CurveUse use, class V>
 HWY_INLINE auto LevelsOf(V x, const float* dither, const VxTransferCurve& curve)
 {
     const Floats d;
     const Longs longs;
-    if constexpr (levels == Levels::Truncated) {
-        return TruncatedLevels(x);
-    } else if constexpr (levels == Levels::Picked) {
+    if constexpr (levels == Levels::Picked) {
         return PickedLevels(x, curve);
     } else {
         if constexpr (use == CurveUse::Table)
             x = LookUpLevels(x, curve);
-        const auto raised =
-            hn::Add(x, levels == Levels::Dithered ? hn::Load(d, dither) : hn::Set(d, kHalfStep));
-        return hn::ConvertTo(longs, hn::Mul(HeldToUnit(raised), hn::Set(d, 255.0f)));
+        if constexpr (levels == Levels::Dithered)
+            x = hn::Add(x, hn::Load(d, dither));
+        else if constexpr (levels == Levels::Rounded)
+            x = hn::Add(x, hn::Set(d, kHalfStep));
+        return hn::ConvertTo(longs, hn::Mul(HeldToUnit(x), hn::Set(d, 255.0f)));
     }
 }
 
@@ -374,6 +374,20 @@ alignas(16) constexpr uint8_t kPack24[16] = {0,  1,  2,  4,  5,     6,     8,   
 alignas(16) constexpr uint8_t kSpread24[16] = {0, 1, 2, kNone, 3, 4,  5,  kNone,
                                                6, 7, 8, kNone, 9, 10, 11, kNone};
 
+// Calls block(x) for every fourth pixel from which on a row has `reach` more, four times a turn while it
+// can; returns the pixel that comes next.
+template <class Block>
+HWY_INLINE int32_t ForBlocks(int32_t width, int32_t reach, const Block& block)
+{
+    int32_t x = 0;
+    for (; x + 12 + reach <= width; x += 16)
+        for (int32_t k = 0; k < 16; k += 4)
+            block(x + k);
+    for (; x + reach <= width; x += 4)
+        block(x);
+    return x;
+}
+
 template <Levels levels, CurveUse use, int32_t channels>
 void FloatToBytesRowVector(uint8_t* dest, const uint8_t* source, int32_t width, int32_t y,
                            const VxTransferCurve& curve)
@@ -382,16 +396,16 @@ void FloatToBytesRowVector(uint8_t* dest, const uint8_t* source, int32_t width, 
     const Bytes16 bytes;
     const float* const dither = DitherOf(y);
     constexpr int32_t kReach = channels == 3 ? kPixelsOf16Bytes : 4;
-    int32_t x = 0;
-    for (; x + kReach <= width; x += 4) {
-        const float* const from = FloatPointer(source + int64_t(x) * 16);
+    const auto block = [&](int64_t x) HWY_ATTR {
+        const float* const from = FloatPointer(source + x * 16);
         auto pixels = JoinLevels([&](int32_t k) HWY_ATTR {
             return LevelsOf<levels, use>(hn::LoadU(d, from + k * kLanes), dither + k * kLanes, curve);
         });
         if constexpr (channels == 3)
             pixels = hn::TableLookupBytesOr0(pixels, hn::Load(bytes, kPack24));
-        hn::StoreU(pixels, bytes, dest + int64_t(x) * channels);
-    }
+        hn::StoreU(pixels, bytes, dest + x * channels);
+    };
+    const int32_t x = ForBlocks(width, kReach, block);
     FloatToBytesRow<levels, use, channels>(dest + int64_t(x) * channels, source + int64_t(x) * 16, width - x,
                                            y, curve);
 }
@@ -456,13 +470,12 @@ void BytesToFloatRowVector(uint8_t* dest, const uint8_t* source, int32_t width, 
     const auto channel = hn::And(hn::Iota(longs, 0), hn::Set(longs, 3));
     const auto isAlpha = hn::RebindMask(Floats(), hn::Eq(channel, hn::Set(longs, 3)));
     constexpr int32_t kReach = channels == 3 ? kPixelsOf16Bytes : 4;
-    int32_t x = 0;
-    for (; x + kReach <= width; x += 4) {
-        auto pixels = hn::LoadU(bytes, source + int64_t(x) * channels);
+    const int32_t x = ForBlocks(width, kReach, [&](int64_t at) HWY_ATTR {
+        auto pixels = hn::LoadU(bytes, source + at * channels);
         if constexpr (channels == 3)
             pixels = hn::TableLookupBytesOr0(pixels, hn::Load(bytes, kSpread24));
-        StoreFloats<use, channels, 0>(FloatPointer(dest + int64_t(x) * 16), pixels, isAlpha, curve);
-    }
+        StoreFloats<use, channels, 0>(FloatPointer(dest + at * 16), pixels, isAlpha, curve);
+    });
     BytesToFloatRow<use, channels>(dest + int64_t(x) * 16, source + int64_t(x) * channels, width - x, y,
                                    curve);
 }
@@ -473,11 +486,10 @@ void Bytes3To4RowVector(uint8_t* dest, const uint8_t* source, int32_t width, int
     const Bytes16 bytes;
     const auto spread = hn::Load(bytes, kSpread24);
     const auto opaque = hn::BitCast(bytes, hn::Set(hn::Full128<uint32_t>(), 0xFF000000u));
-    int32_t x = 0;
-    for (; x + kPixelsOf16Bytes <= width; x += 4) {
-        const auto packed = hn::LoadU(bytes, source + int64_t(x) * 3);
-        hn::StoreU(hn::Or(hn::TableLookupBytesOr0(packed, spread), opaque), bytes, dest + int64_t(x) * 4);
-    }
+    const int32_t x = ForBlocks(width, kPixelsOf16Bytes, [&](int64_t at) HWY_ATTR {
+        const auto packed = hn::LoadU(bytes, source + at * 3);
+        hn::StoreU(hn::Or(hn::TableLookupBytesOr0(packed, spread), opaque), bytes, dest + at * 4);
+    });
     Bytes3To4Row(dest + int64_t(x) * 4, source + int64_t(x) * 3, width - x, y, curve);
 }
 

@@ -112,6 +112,15 @@ bool IsBytes32(int32_t type)
     return type == VXPIXEL_RGB32 || type == VXPIXEL_RGBA32;
 }
 
+// True where the channels in memory are those of the working pixels, on both sides.
+bool IsAsInMemory(const tVXXCHG& x)
+{
+    if (x.depth == VXXCHG_DEPTH_16)
+        return x.sourceType == VXPIXEL_RGBA64 && x.destType == VXPIXEL_RGBA64;
+    return x.depth == VXXCHG_DEPTH_FLOAT || (x.sourceType == VXPIXEL_RGB24 && x.destType == VXPIXEL_RGB24) ||
+           (IsBytes32(x.sourceType) && IsBytes32(x.destType));
+}
+
 // Rows of a whole picture out of one field's rows.
 class FieldCopy
 {
@@ -120,8 +129,7 @@ public:
               const Exchange& exchange, int32_t sourceBottom, int32_t field)
         : dest_(dest), source_(source), exchange_(exchange), bottom_(sourceBottom), field_(field),
           mean_(VX_VECTOR_FORM(VectorMeans, PlainMeans)()->of[exchange.record.depth]), copy_(SelectCopyRow()),
-          isPlainBytes_(exchange.record.depth == VXXCHG_DEPTH_8 && IsBytes32(exchange.record.sourceType) &&
-                        IsBytes32(exchange.record.destType))
+          isAsInMemory_(IsAsInMemory(exchange.record))
     {}
 
     void Row(int32_t y) const
@@ -138,7 +146,7 @@ private:
     // A row that is kept is read as its own neighbour, once.
     void Merge(int32_t y, int32_t a, int32_t b) const
     {
-        if (isPlainBytes_)
+        if (isAsInMemory_)
             MergeBytes(y, a, b);
         else
             MergeRuns(y, a, b);
@@ -174,7 +182,7 @@ private:
     const int32_t bottom_, field_;
     const MeanFn mean_;
     const CopyRowFn copy_;
-    const bool isPlainBytes_; // the working pixels are those in memory
+    const bool isAsInMemory_;
 };
 
 bool IsInside(const BITMAPINFOHEADER* header, const RECT& r)
