@@ -249,14 +249,18 @@ HWY_INLINE V HeldToUnit(V x)
     return hn::Min(hn::IfThenElseZero(hn::Gt(x, hn::Zero(d)), x), hn::Set(d, 1.0f));
 }
 
-// The table's entries at each index and behind it, side by side.
+// The table's entries at each index and behind it, side by side. Loads one by one beat the processor's own
+// gathering of them: half as many do.
 template <class V>
 HWY_INLINE hn::Vec<Floats> EntryPairs(V indexes, const VxTransferCurve& curve)
 {
     const hn::Repartition<int64_t, Floats> pairs;
-    const auto offsets = hn::ShiftLeft<2>(hn::PromoteTo(pairs, indexes));
-    return hn::BitCast(Floats(),
-                       hn::GatherOffset(pairs, reinterpret_cast<const int64_t*>(curve.floatTable), offsets));
+    alignas(64) int32_t at[kLanes / 2];
+    alignas(64) int64_t entries[kLanes / 2];
+    hn::Store(indexes, hn::Half<Longs>(), at);
+    for (int32_t i = 0; i < kLanes / 2; ++i)
+        std::memcpy(entries + i, curve.floatTable + at[i], sizeof(entries[i]));
+    return hn::BitCast(Floats(), hn::Load(pairs, entries));
 }
 
 // Between entries of the table, for values already held.
@@ -268,7 +272,6 @@ HWY_INLINE V Interpolate(V held, const VxTransferCurve& curve)
     const auto p = hn::Mul(held, hn::Set(d, float(curve.tableLast)));
     const auto index = hn::ConvertTo(longs, p);
     const auto f = hn::Sub(p, hn::ConvertTo(d, index));
-    // An entry and the next one are gathered as one lane: half the loads.
     const auto low = EntryPairs(hn::LowerHalf(index), curve);
     const auto high = EntryPairs(hn::UpperHalf(hn::Half<Longs>(), index), curve);
     const auto here = hn::ConcatEven(d, high, low), next = hn::ConcatOdd(d, high, low);
@@ -306,9 +309,10 @@ HWY_INLINE V LookUpLevels(V x, const VxTransferCurve& curve)
     return levels;
 }
 
-// Bytes are gathered as the aligned words that hold them.
+// Numbers of the nearest entries of a byte table, halves upwards. What lies outside of the table has the
+// level of its first entry or of its last: 0 and 255.
 template <class V>
-HWY_INLINE auto PickedLevels(V x, const VxTransferCurve& curve)
+HWY_INLINE hn::Vec<Longs> PickedEntries(V x, const VxTransferCurve& curve)
 {
     const Floats d;
     const Longs longs;
@@ -316,14 +320,19 @@ HWY_INLINE auto PickedLevels(V x, const VxTransferCurve& curve)
     const auto below = hn::ConvertTo(longs, p);
     const auto f = hn::Sub(p, hn::ConvertTo(d, below));
     const auto goesUp = hn::RebindMask(longs, hn::Ge(f, hn::Set(d, 0.5f)));
-    const auto index = hn::Add(below, hn::IfThenElseZero(goesUp, hn::Set(longs, 1)));
-    const auto* const words = reinterpret_cast<const int32_t*>(curve.byteTable);
-    const auto word = hn::GatherIndex(longs, words, hn::ShiftRight<2>(index));
-    const auto shift = hn::ShiftLeft<3>(hn::And(index, hn::Set(longs, 3)));
-    const auto level = hn::And(hn::Shr(word, shift), hn::Set(longs, 255));
-    const auto isAbove = hn::RebindMask(longs, hn::Gt(x, hn::Set(d, 1.0f)));
-    const auto isBelow = hn::RebindMask(longs, hn::Not(hn::Ge(x, hn::Zero(d))));
-    return hn::IfThenZeroElse(isBelow, hn::IfThenElse(isAbove, hn::Set(longs, 255), level));
+    return hn::Add(below, hn::IfThenElseZero(goesUp, hn::Set(longs, 1)));
+}
+
+HWY_INLINE hn::Vec<Bytes16> PickedBytes(const float* from, const VxTransferCurve& curve)
+{
+    const Floats d;
+    alignas(64) int32_t entries[16];
+    alignas(16) uint8_t levels[16];
+    for (int32_t k = 0; k < 16; k += kLanes)
+        hn::Store(PickedEntries(hn::LoadU(d, from + k), curve), Longs(), entries + k);
+    for (int32_t i = 0; i < 16; ++i)
+        levels[i] = curve.byteTable[entries[i]];
+    return hn::Load(Bytes16(), levels);
 }
 
 // The product of Levels::Truncated is one of floats: rounded, it reaches the next integer for no float from
@@ -333,17 +342,13 @@ HWY_INLINE auto LevelsOf(V x, const float* dither, const VxTransferCurve& curve)
 {
     const Floats d;
     const Longs longs;
-    if constexpr (levels == Levels::Picked) {
-        return PickedLevels(x, curve);
-    } else {
-        if constexpr (use == CurveUse::Table)
-            x = LookUpLevels(x, curve);
-        if constexpr (levels == Levels::Dithered)
-            x = hn::Add(x, hn::Load(d, dither));
-        else if constexpr (levels == Levels::Rounded)
-            x = hn::Add(x, hn::Set(d, kHalfStep));
-        return hn::ConvertTo(longs, hn::Mul(HeldToUnit(x), hn::Set(d, 255.0f)));
-    }
+    if constexpr (use == CurveUse::Table)
+        x = LookUpLevels(x, curve);
+    if constexpr (levels == Levels::Dithered)
+        x = hn::Add(x, hn::Load(d, dither));
+    else if constexpr (levels == Levels::Rounded)
+        x = hn::Add(x, hn::Set(d, kHalfStep));
+    return hn::ConvertTo(longs, hn::Mul(HeldToUnit(x), hn::Set(d, 255.0f)));
 }
 
 // 16 levels as bytes; level(k) gives those of vector k.
@@ -366,6 +371,17 @@ HWY_INLINE hn::Vec<Bytes16> JoinLevels(const Level& level)
         const auto high = hn::Combine(pairs, hn::DemoteTo(words, level(3)), high0);
         return hn::Combine(bytes, hn::DemoteTo(half, high), hn::DemoteTo(half, low));
     }
+}
+
+template <Levels levels, CurveUse use>
+HWY_INLINE hn::Vec<Bytes16> BytesOf(const float* from, const float* dither, const VxTransferCurve& curve)
+{
+    if constexpr (levels == Levels::Picked)
+        return PickedBytes(from, curve);
+    else
+        return JoinLevels([&](int32_t k) HWY_ATTR {
+            return LevelsOf<levels, use>(hn::LoadU(Floats(), from + k * kLanes), dither + k * kLanes, curve);
+        });
 }
 
 constexpr uint8_t kNone = 0x80; // a byte of a shuffle that becomes 0
@@ -392,15 +408,12 @@ template <Levels levels, CurveUse use, int32_t channels>
 void FloatToBytesRowVector(uint8_t* dest, const uint8_t* source, int32_t width, int32_t y,
                            const VxTransferCurve& curve)
 {
-    const Floats d;
     const Bytes16 bytes;
     const float* const dither = DitherOf(y);
     constexpr int32_t kReach = channels == 3 ? kPixelsOf16Bytes : 4;
     const auto block = [&](int64_t x) HWY_ATTR {
         const float* const from = FloatPointer(source + x * 16);
-        auto pixels = JoinLevels([&](int32_t k) HWY_ATTR {
-            return LevelsOf<levels, use>(hn::LoadU(d, from + k * kLanes), dither + k * kLanes, curve);
-        });
+        auto pixels = BytesOf<levels, use>(from, dither, curve);
         if constexpr (channels == 3)
             pixels = hn::TableLookupBytesOr0(pixels, hn::Load(bytes, kPack24));
         hn::StoreU(pixels, bytes, dest + x * channels);
