@@ -1,4 +1,5 @@
-// Direct paths of the plain pump: rows of equal size converted in one step, shared among threads.
+// Direct paths of the plain pump: rows of equal size converted in one step. All but those of bits are shared
+// among threads.
 #include "dib/copy_job.h"
 #include "dib/direct_rows.h"
 #include "kernel/parallel.h"
@@ -57,6 +58,42 @@ void CopyBytes(const CopyJob& job)
                  [&](int32_t y) { row(job.dest.Bytes(y), job.source.Bytes(y), rowBytes); });
 }
 
+// Gray pixels of up to 8 bits come out of the exchange as they went in, at every quality.
+bool IsSmallGray(const tVXXCHG& x)
+{
+    const bool oneBit = x.sourceType <= VXPIXEL_GRAY1 && x.destType <= VXPIXEL_GRAY1;
+    return oneBit || (x.sourceType == x.destType && x.sourceType <= VXPIXEL_GRAY8);
+}
+
+// Puts the bits of a mask into a byte.
+void CopyMasked(uint8_t* dest, const uint8_t* source, int32_t mask)
+{
+    *dest = uint8_t((*dest & ~mask) | (*source & mask));
+}
+
+// Bits [first, last) of a row, counted from the highest of each byte.
+void CopyBits(uint8_t* dest, const uint8_t* source, int64_t first, int64_t last, CopyRowFn copy)
+{
+    const int64_t firstByte = first / 8, lastByte = last / 8;
+    const int32_t head = 0xFF >> first % 8, tail = 0xFF & ~(0xFF >> last % 8);
+    if (firstByte == lastByte) {
+        CopyMasked(dest + firstByte, source + firstByte, head & tail);
+        return;
+    }
+    CopyMasked(dest + firstByte, source + firstByte, head);
+    copy(dest + firstByte + 1, source + firstByte + 1, lastByte - firstByte - 1);
+    if (tail)
+        CopyMasked(dest + lastByte, source + lastByte, tail);
+}
+
+void CopyBitRows(const CopyJob& job)
+{
+    const CopyRowFn copy = SelectCopyRow();
+    const int64_t first = job.dest.left % 8, last = first + int64_t(job.dest.width) * job.dest.bits;
+    for (int32_t y = 0; y < job.dest.height; ++y)
+        CopyBits(job.dest.Bytes(y), job.source.Bytes(y), first, last, copy);
+}
+
 // Bytes of a pixel of 8-bit channels without a palette; 0 for other types.
 int32_t ByteChannels(int32_t type)
 {
@@ -110,6 +147,8 @@ bool CopyDirect(const CopyJob& job, Exchange& exchange)
         RunRows(job, SelectBytes3To4(), x.sourceCurve, 1);
     else if (x.sourceType == x.destType && job.dest.bits > 8)
         CopyBytes(job);
+    else if (IsSmallGray(x) && job.dest.left % 8 == job.source.left % 8)
+        CopyBitRows(job);
     else
         return false;
     return true;

@@ -79,7 +79,7 @@ struct PixelRows
     {}
     Byte* Row(int64_t y) const { return first + stride * y; }
     int64_t Bit(int64_t x) const { return left + x * bits; }
-    // The rectangle's own bytes, for types of whole bytes.
+    // From the byte that holds the left edge on.
     Byte* Bytes(int64_t y) const { return Row(y) + left / 8; }
     int64_t RowBytes() const { return int64_t(width) * bits / 8; }
     int64_t AllBytes() const { return RowBytes() * height; }
