@@ -9,10 +9,10 @@
 #include "vx/dibcopy.h"
 #include "vx/fields.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
-#include <vector>
 
 namespace {
 
@@ -72,12 +72,16 @@ struct Bitmap
         const int32_t type = 15 + in.Byte() % 20, width = in.Byte() - 1, height = in.Byte() % 48 - 1;
         const int32_t entries = in.Byte();
         stride = int8_t(in.Byte()) * 4;
-        front = std::make_unique<uint8_t[]>(40 + 12 + 4 * size_t(entries));
-        auto* const header = reinterpret_cast<BITMAPINFOHEADER*>(front.get());
-        std::vector<RGBQUAD> table(size_t(entries) + 1);
-        for (int32_t i = 0; i < entries; ++i)
-            table[size_t(i)] = {uint8_t(i * 37), uint8_t(i * 11), uint8_t(i), 0};
-        VxVideo_InitBitmapInfo(header, type, width, height, table.data(), entries, nullptr);
+        RGBQUAD table[256];
+        for (int32_t i = 0; i < 256; ++i)
+            table[i] = {uint8_t(i * 37), uint8_t(i * 11), uint8_t(i), 0};
+        alignas(BITMAPINFOHEADER) uint8_t room[52 + sizeof(table)] = {};
+        auto* header = reinterpret_cast<BITMAPINFOHEADER*>(room);
+        VxVideo_InitBitmapInfo(header, type, width, height, table, entries, nullptr);
+        const size_t frontBytes = std::max<size_t>(vx::PixelOffset(*header), sizeof(*header));
+        front = std::make_unique<uint8_t[]>(frontBytes); // with no entries a table is full, and zeros here
+        std::memcpy(front.get(), room, frontBytes);
+        header = reinterpret_cast<BITMAPINFOHEADER*>(front.get());
         if (header->biWidth <= 0 || header->biHeight <= 0)
             return;
         const uint64_t rowBytes = (uint64_t(header->biBitCount) * uint32_t(header->biWidth) + 7) / 8;
@@ -103,7 +107,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     Input in(data, size);
     const uint8_t call = in.Byte() % 6;
     Bitmap dest(in), source(in);
-    if ((dest.bytes == 0 && !dest.pixels) || !source.pixels)
+    if (!dest.pixels || !source.pixels)
         return 0;
     const Rectangle to(in), from(in);
     const auto flags = uint32_t(in.Word());
