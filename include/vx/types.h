@@ -11,4 +11,7 @@
 
 #define VX_EXPORT VX_VISIBLE
 
+/* Status codes of the library's own, beside those of the platform. */
+#define VX_E_UNSUPPORTED_MEDIA ((HRESULT)0x8004E000u)
+
 #endif

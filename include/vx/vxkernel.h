@@ -8,6 +8,8 @@
 #include "vx/composite.h"
 #include "vx/curve.h"
 #include "vx/dib.h"
+#include "vx/dibcopy.h"
+#include "vx/fields.h"
 #include "vx/formattext.h"
 #include "vx/internationals.h"
 #include "vx/list.h"

@@ -34,4 +34,11 @@ constexpr uint8_t BlendByte(uint8_t v, uint8_t c, int32_t a)
     return uint8_t(std::clamp(((x + (x >> 8)) >> 8) + v, 0, 255));
 }
 
+// The integer part; its low bits are what is stored. What does not fit 32 bits counts as 0, as its low
+// bits are where the processor converts it.
+constexpr uint32_t CutTo32(float x)
+{
+    return x >= -2147483648.0f && x < 2147483648.0f ? uint32_t(int32_t(x)) : 0;
+}
+
 } // namespace vx

@@ -1,0 +1,142 @@
+// The direct paths of VxDibCopy in every form, with every curve and quality.
+#include "support/copy_model.h"
+#include "support/vector_levels.h"
+
+#include "kernel/parallel.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace vxtest;
+
+struct Pair
+{
+    int32_t dest, source;
+};
+constexpr Pair kDirect[] = {{28, 32}, {29, 32}, {27, 32}, {32, 32}, {32, 28}, {32, 29}, {32, 27}, {28, 27},
+                            {29, 27}, {21, 21}, {22, 22}, {25, 25}, {27, 27}, {29, 29}, {31, 31}};
+
+std::vector<VectorLevel> AllForms()
+{
+    std::vector<VectorLevel> forms = VectorLevels();
+    forms.insert(forms.begin(), kPlain);
+    return forms;
+}
+
+// Gammas of no curve, of an encoding, a decoding, and the two extremes.
+constexpr std::pair<double, double> kGammas[] = {{0.0, 0.0}, {0.0, 1.0}, {1.0, 2.2}, {0.5, 4.0}, {4.0, 0.5}};
+
+TEST(DirectCopy, EveryWidthInEveryForm)
+{
+    Random random;
+    for (const Pair& pair : kDirect)
+        for (int32_t width = 1; width <= 70; ++width) {
+            const Rows rows = kAllRows[width % 3];
+            const Picture source(pair.source, width, 6, rows, random, true),
+                dest(pair.dest, width, 6, rows, random);
+            for (const auto& [destGamma, sourceGamma] : kGammas)
+                for (const uint32_t quality : {2u, 3u}) {
+                    const CopyArguments a{{}, {}, quality, destGamma, sourceGamma};
+                    Picture want = dest;
+                    ASSERT_TRUE(ModelCopy(want, source, a));
+                    for (const VectorLevel& form : AllForms()) {
+                        const OnlyLevel only(form);
+                        Picture got = dest;
+                        ASSERT_EQ(Copy(got, source, a), S_OK);
+                        ASSERT_EQ(Difference(got, want, pair.dest == 32), 0.0)
+                            << form.name << ": " << got << "\nwanted " << want << "\nfrom " << source << a;
+                    }
+                }
+        }
+}
+
+// Each float about each step of 8 bits, in every form: levels may not be one off where a product rounds.
+TEST(DirectCopy, LevelsAreCutExactly)
+{
+    Random random;
+    constexpr int32_t kNear = 8;
+    Picture source(32, 256 * (2 * kNear + 1), 4, Rows::Tight, random);
+    for (int32_t y = 0; y < 4; ++y)
+        for (int32_t level = 0; level < 256; ++level)
+            for (int32_t k = -kNear; k <= kNear; ++k) {
+                const float step = float(level / 255.0);
+                uint32_t bits;
+                std::memcpy(&bits, &step, 4);
+                bits = uint32_t(std::max<int64_t>(int64_t(bits) + k, 0));
+                for (int32_t c = 0; c < 4; ++c)
+                    std::memcpy(source.Row(y) + 16 * (level * (2 * kNear + 1) + k + kNear) + 4 * c, &bits, 4);
+            }
+    for (const int32_t type : {27, 29}) {
+        const Picture dest(type, source.Width(), 4, Rows::Tight, random);
+        for (const uint32_t quality : {1u, 3u}) {
+            Picture want = dest;
+            ModelCopy(want, source, {{}, {}, quality});
+            for (const VectorLevel& form : AllForms()) {
+                const OnlyLevel only(form);
+                Picture got = dest;
+                Copy(got, source, {{}, {}, quality});
+                ASSERT_EQ(got, want) << form.name << ", type " << type << ", quality " << quality;
+            }
+        }
+    }
+}
+
+TEST(DirectCopy, FlatGrayIsDitheredInAPatternOfFourByFour)
+{
+    Random random;
+    Picture source(32, 8, 8, Rows::Tight, random), dest(29, 8, 8, Rows::Tight, random);
+    for (int32_t y = 0; y < 8; ++y)
+        for (int32_t i = 0; i < 32; ++i) {
+            const float half = 0.5f;
+            std::memcpy(source.Row(y) + 4 * i, &half, 4);
+        }
+    ASSERT_EQ(Copy(dest, source, {}), S_OK);
+    constexpr int32_t kHigh[] = {0b1010, 0b0101, 0b1010, 0b0101}; // 127.5 + k / 16 from k 8 on
+    for (int32_t y = 0; y < 8; ++y)
+        for (int32_t i = 0; i < 32; ++i)
+            EXPECT_EQ(dest.Row(y)[i], 127 + (kHigh[y % 4] >> (i / 4 % 4) & 1))
+                << "row " << y << ", byte " << i;
+}
+
+TEST(DirectCopy, BytesComeBackFromFloats)
+{
+    Random random;
+    for (const int32_t type : {27, 28, 29})
+        for (const auto& [destGamma, sourceGamma] : kGammas) {
+            const Picture bytes(type, 256, 3, Rows::Wide, random);
+            Picture floats(32, 256, 3, Rows::Tight, random), back = bytes;
+            ASSERT_EQ(Copy(floats, bytes, {{}, {}, 3, 1.0, 1.0}), S_OK);
+            for (int32_t y = 0; y < 3; ++y) // what was written shows
+                std::memset(back.Row(y), 77, 256 * (type == 27 ? 3 : 4));
+            ASSERT_EQ(Copy(back, floats, {{}, {}, 3, destGamma, destGamma}), S_OK);
+            ASSERT_EQ(back, bytes);
+            // There and back through a curve and its inverse: to a level, and in dark colours some more.
+            ASSERT_EQ(Copy(floats, bytes, {{}, {}, 3, destGamma, sourceGamma}), S_OK);
+            ASSERT_EQ(Copy(back, floats, {{}, {}, 2, sourceGamma, destGamma}), S_OK);
+            EXPECT_LE(Difference(back, bytes, false), 4.0);
+        }
+}
+
+// A picture large enough to be shared among threads gives what its bands give, which are not. Bands of
+// whole periods of the dither.
+TEST(DirectCopy, ThreadsDoNotShow)
+{
+    Random random;
+    constexpr int32_t kWidth = 1021, kHeight = 520, kBand = 52;
+    for (const Pair& pair : {Pair{29, 32}, {27, 32}, {32, 29}, {32, 32}, {28, 27}, {31, 31}}) {
+        const Picture source(pair.source, kWidth, kHeight, Rows::Wide, random);
+        const Picture dest(pair.dest, kWidth, kHeight, Rows::Negative, random);
+        for (const auto& [destGamma, sourceGamma] : {std::pair(0.0, 0.0), {1.0, 2.2}}) {
+            Picture whole = dest, bands = dest;
+            Copy(whole, source, {{}, {}, 3, destGamma, sourceGamma});
+            for (int32_t bottom = kHeight; bottom > 0; bottom -= kBand) {
+                const RECT band{0, bottom - kBand, kWidth, bottom};
+                Copy(bands, source, {band, band, 3, destGamma, sourceGamma});
+            }
+            ASSERT_EQ(whole, bands);
+        }
+    }
+}
+
+} // namespace

@@ -1,0 +1,189 @@
+// Every pump of VxDibCopy against the slow model, on random pictures, rectangles and flags.
+#include "support/copy_model.h"
+#include "vx/scale.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace vxtest;
+
+constexpr int32_t kTypes = 17;
+
+// Levels of quality that the exchange knows, and two that keep the word as it is: with and without bits
+// of its own.
+constexpr uint32_t kQualities[] = {1, 2, 3, 4, 0, 5, 0 | 0x20, 7 | 0x60};
+
+RECT RandomRect(Random& random, const Picture& p, int32_t outside, int32_t unit)
+{
+    const auto side = [&](int32_t size) {
+        const int32_t first = random.Int(-outside * unit, size * unit - 1);
+        return std::pair(first, random.Int(first + 1, (size + outside) * unit));
+    };
+    const auto [left, right] = side(p.Width());
+    const auto [top, bottom] = side(p.Height());
+    return {left, top, right, bottom};
+}
+
+double RandomGamma(Random& random)
+{
+    constexpr double kGammas[] = {0.0, 1.0, 2.2, 0.1, 9.0};
+    return kGammas[random.Int(0, 4)];
+}
+
+CopyArguments RandomArguments(Random& random, const Picture& dest, const Picture& source)
+{
+    CopyArguments a;
+    a.flags = kQualities[random.Int(0, 7)];
+    a.destGamma = RandomGamma(random);
+    a.sourceGamma = RandomGamma(random);
+    const int32_t outside = random.Int(0, 1) * 5;
+    if (random.Int(0, 3))
+        a.destRect = RandomRect(random, dest, outside, 1);
+    if (random.Int(0, 3))
+        a.sourceRect = RandomRect(random, source, outside, 1);
+    return a;
+}
+
+// Runs library and model on equal pictures. Where the scaling functions have the work there is nothing to
+// compare with.
+void ExpectModel(const Picture& dest, const Picture& source, const CopyArguments& a)
+{
+    Picture want = dest, got = dest;
+    if (!ModelCopy(want, source, a))
+        return;
+    Copy(got, source, a);
+    ASSERT_EQ(got, want) << "over " << dest << "\nfrom " << source << a;
+}
+
+// Calls check(dest, source, random) for pictures of every pair of types.
+template <class Check>
+void ForEveryPair(int32_t rounds, int32_t most, const Check& check)
+{
+    for (int32_t i = 0; i < kTypes * kTypes; ++i) {
+        Random random{uint64_t(i)};
+        for (int32_t round = 0; round < rounds; ++round) {
+            const auto picture = [&](int32_t type) {
+                return Picture(type, random.Int(1, most), random.Int(1, most), kAllRows[random.Int(0, 2)],
+                               random);
+            };
+            const Picture dest = picture(16 + i / kTypes), source = picture(16 + i % kTypes);
+            check(dest, source, random);
+            if (testing::Test::HasFatalFailure())
+                return;
+        }
+    }
+}
+
+TEST(DibCopy, EveryPairOfTypesAtEqualSize)
+{
+    ForEveryPair(8, 24, [](const Picture& dest, const Picture& source, Random& random) {
+        CopyArguments a = RandomArguments(random, dest, source);
+        const int32_t width = std::min(dest.Width(), source.Width());
+        const int32_t height = std::min(dest.Height(), source.Height());
+        const auto inside = [&](const Picture& p) {
+            const int32_t left = random.Int(0, p.Width() - width), top = random.Int(0, p.Height() - height);
+            return RECT{left, top, left + width, top + height};
+        };
+        a.destRect = inside(dest);
+        a.sourceRect = inside(source);
+        ExpectModel(dest, source, a);
+    });
+}
+
+// One pixel more than a run of the pumps, and a rest.
+TEST(DibCopy, RowsOfSeveralRuns)
+{
+    Random random;
+    for (const int32_t type : {16, 19, 24, 26, 27, 31}) {
+        const Picture source(type, 600, 3, Rows::Wide, random);
+        const Picture dest(23, 523, 4, Rows::Negative, random);
+        for (const uint32_t feather : {0u, 0x4F000u, 0x80C000u})
+            ExpectModel(dest, source, {{}, {}, 3 | feather});
+        ExpectModel(dest, source, {RECT{3000, 5000, 8500000, 60000}, {}, 3 | VXDIBF_SUBPIXEL});
+        ExpectModel(dest, source, {RECT{1, 0, 518, 3}, RECT{3, 0, 520, 3}, 1});
+    }
+}
+
+TEST(DibCopy, EveryPairOfTypesScaledAndClipped)
+{
+    ForEveryPair(8, 12, [](const Picture& dest, const Picture& source, Random& random) {
+        ExpectModel(dest, source, RandomArguments(random, dest, source));
+    });
+}
+
+TEST(DibCopy, EveryPairOfTypesWithSoftEdges)
+{
+    ForEveryPair(8, 14, [](const Picture& dest, const Picture& source, Random& random) {
+        CopyArguments a = RandomArguments(random, dest, source);
+        a.flags |= uint32_t(random.Int(1, 15)) << 12 | uint32_t(random.Int(0, random.Int(0, 1) ? 5 : 255))
+                                                           << 16;
+        ExpectModel(dest, source, a);
+    });
+}
+
+TEST(DibCopy, EveryPairOfTypesBetweenPixels)
+{
+    ForEveryPair(8, 9, [](const Picture& dest, const Picture& source, Random& random) {
+        CopyArguments a = RandomArguments(random, dest, source);
+        a.flags |= VXDIBF_SUBPIXEL | (random.Int(0, 3) == 0 ? VXDIBF_NOEDGEBLEND : 0);
+        if (random.Int(0, 7))
+            a.destRect = RandomRect(random, dest, random.Int(0, 2), 16384);
+        if (random.Int(0, 2))
+            a.sourceRect = RandomRect(random, source, random.Int(0, 2), 16384);
+        ExpectModel(dest, source, a);
+    });
+}
+
+// A rectangle of whole pixels in sub-pixel coordinates is the same call as in pixels.
+TEST(DibCopy, SubpixelCoordinatesWithoutFractionsArePixels)
+{
+    Random random;
+    for (const int32_t type : {17, 24, 27, 29, 32}) {
+        const Picture source(type, 9, 8, Rows::Wide, random), dest(type, 11, 10, Rows::Tight, random);
+        for (const uint32_t flags : {1u, 3u, 3u | VXDIBF_BICUBIC}) {
+            const uint32_t unit = 16384, odd = flags == 1 ? 5000 : 0; // low quality drops fractions
+            const auto units = [&](const RECT& r) {
+                return RECT{LONG(r.left * unit + odd), LONG(r.top * unit), LONG(r.right * unit + odd),
+                            LONG(r.bottom * unit)};
+            };
+            const RECT to{1, 2, 10, 7}, from{0, 1, 9, 8};
+            Picture want = dest, got = dest;
+            ASSERT_EQ(Copy(want, source, {to, from, flags}), S_OK);
+            ASSERT_EQ(Copy(got, source, {units(to), units(from), flags | VXDIBF_SUBPIXEL}), S_OK);
+            ASSERT_EQ(got, want);
+            ASSERT_FALSE(got == dest);
+        }
+    }
+}
+
+// The pairs of the scaling functions go there: enlarging blends neighbours, whatever the pump.
+TEST(DibCopy, ScalablePairsAreScaledByTheScalingFunctions)
+{
+    Random random;
+    const RECT between{8192, 8192, 5 * 16384 + 8192, 3 * 16384};
+    for (const auto& [to, from] : {std::pair(28, 28), {28, 29}, {29, 28}, {32, 32}}) {
+        const Picture source(from, 4, 3, Rows::Tight, random), dest(to, 6, 5, Rows::Wide, random);
+        for (const uint32_t flags : {3u, 3u | VXDIBF_BICUBIC, 4u | VXDIBF_AREA}) {
+            const SIZE destSize{6, 5}, sourceSize{4, 3};
+            const int32_t bytes = to == 32 ? 16 : 4;
+            const bool cubic = (flags & VXDIBF_BICUBIC) != 0, area = (flags & VXDIBF_AREA) != 0;
+            for (const bool subpixel : {false, true}) {
+                Picture want = dest, got = dest;
+                const auto scale = subpixel
+                                       ? (cubic ? VxDibScale_BiCubicSubPixel : VxDibScale_BilinearSubPixel)
+                                       : (cubic ? VxDibScale_BiCubic : VxDibScale_Bilinear);
+                scale(want.Row(4), &destSize, -want.Stride(), subpixel ? &between : nullptr, source.Row(2),
+                      &sourceSize, -source.Stride(), nullptr, bytes, area, false);
+                CopyArguments a{{}, {}, flags | (subpixel ? VXDIBF_SUBPIXEL : 0)};
+                if (subpixel)
+                    a.destRect = between;
+                ASSERT_EQ(Copy(got, source, a), S_OK);
+                ASSERT_EQ(got, want) << a;
+                ASSERT_FALSE(got == dest);
+            }
+        }
+    }
+}
+
+} // namespace
