@@ -47,27 +47,20 @@ int FailEachAllocation(const ListKind& kind, int32_t moreSlots,
 TEST(ListMemory, CreationLeavesNothingBehind)
 {
     for (const ListKind& kind : kAllKinds)
-        for (const bool inPlace : {false, true}) {
-            int failures = 0;
-            HRESULT status = E_FAIL;
-            while (status != S_OK) {
+        for (const uint32_t inPlace : {0u, VXLIST_OPT_INPLACE}) {
+            const uint32_t options = kind.options | VXLIST_OPT_LOCKED | inPlace;
+            const uint32_t allocations = (inPlace ? 1 : 2) + (options & VXLIST_OPT_PRIVATEHEAP ? 1 : 0);
+            for (uint32_t nth = 1; nth <= allocations + 1; ++nth) {
                 tVXLIST record, *list = inPlace ? &record : nullptr;
-                const uint32_t options =
-                    kind.options | VXLIST_OPT_LOCKED | (inPlace ? VXLIST_OPT_INPLACE : 0);
-                VxPlatform_FailAllocationAt(uint32_t(failures) + 1);
-                status = VxList_CreateExZ(&list, 8, 0, 0, options, nullptr, 0, nullptr);
+                VxPlatform_FailAllocationAt(nth);
+                const HRESULT status = VxList_CreateExZ(&list, 8, 0, 0, options, nullptr, 0, nullptr);
                 VxPlatform_FailAllocationAt(0);
-                if (status == S_OK) {
-                    EXPECT_EQ(VxList_Destroy(list), S_OK);
-                    break;
-                }
-                ++failures;
-                EXPECT_EQ(status, E_OUTOFMEMORY);
-                EXPECT_EQ(list, inPlace ? &record : nullptr);
-                EXPECT_FALSE(inPlace && VxList_IsListFast(&record));
+                const bool made = nth > allocations;
+                EXPECT_EQ(status, made ? S_OK : E_OUTOFMEMORY) << kind << ", allocation " << nth;
+                EXPECT_EQ(list != nullptr, made || inPlace);
+                EXPECT_EQ(inPlace && VxList_IsListFast(&record), made && inPlace);
+                EXPECT_EQ(made ? VxList_Destroy(list) : S_OK, S_OK);
             }
-            const int heap = kind.options & VXLIST_OPT_PRIVATEHEAP ? 1 : 0;
-            EXPECT_EQ(failures, (inPlace ? 1 : 2) + heap) << kind;
         }
 }
 

@@ -158,8 +158,8 @@ private:
     void Search()
     {
         last_ = "search";
-        const int32_t first = random_.Int(-1, Count()), n = random_.Int(-1, Count() + 1);
-        const auto begin = want_.begin() + std::max(first, 0);
+        const int32_t first = random_.Int(-1, Count() + 1), n = random_.Int(-1, Count() + 1);
+        const auto begin = want_.begin() + std::clamp(first, 0, Count());
         const auto end = n < 0 ? want_.end() : begin + std::min<int64_t>(n, want_.end() - begin);
         const int64_t value = random_.Int(0, 41);
         const auto found = std::find(begin, end, value);
@@ -170,6 +170,21 @@ private:
         if (kind_.IsHeap() && want >= 0) // found by identity, not by value
             item = list_.Pointer(want);
         ASSERT_EQ(VxList_FindSpecificItemRange(list_, first, n, item), want);
+
+        struct Sought
+        {
+            const ListKind& kind;
+            int64_t value;
+            std::vector<int64_t> visited;
+        } sought{kind_, value, {}};
+        const auto match = [](int64_t word, const void* visited) -> int32_t {
+            Sought& sought = *reinterpret_cast<Sought*>(intptr_t(word));
+            sought.visited.push_back(List::Value(sought.kind, visited));
+            return sought.visited.back() != sought.value;
+        };
+        const int64_t word = int64_t(reinterpret_cast<intptr_t>(&sought));
+        ASSERT_EQ(VxList_FindItemRange(list_, first, n, word, match), want);
+        ASSERT_EQ(sought.visited, std::vector<int64_t>(begin, want < 0 ? end : found + 1));
     }
 
     void ChangeRoom()
