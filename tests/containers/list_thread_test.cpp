@@ -13,17 +13,6 @@ namespace {
 
 using namespace vxtest;
 
-void OnThreads(int count, const std::function<void(int)>& work)
-{
-    std::latch start(count);
-    std::vector<std::jthread> threads;
-    for (int t = 0; t < count; ++t)
-        threads.emplace_back([&start, &work, t] {
-            start.arrive_and_wait();
-            work(t);
-        });
-}
-
 using L = List&;
 
 struct Operation
@@ -155,10 +144,16 @@ TEST(ListThreads, UserDataIsExchangedAtomically)
 {
     const List list(kPointers);
     std::vector<int64_t> seen[4];
-    OnThreads(4, [&](int t) {
-        for (int64_t i = 1; i <= 1000; ++i)
-            seen[t].push_back(VxList_SetUserData(list, t * 1000 + i));
-    });
+    std::latch start(4);
+    {
+        std::vector<std::jthread> threads;
+        for (int t = 0; t < 4; ++t)
+            threads.emplace_back([&, t] {
+                start.arrive_and_wait();
+                for (int64_t i = 1; i <= 1000; ++i)
+                    seen[t].push_back(VxList_SetUserData(list, t * 1000 + i));
+            });
+    }
     std::vector<int64_t> all = {VxList_GetUserData(list)};
     for (const auto& values : seen)
         all.insert(all.end(), values.begin(), values.end());
