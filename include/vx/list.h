@@ -171,6 +171,7 @@ VX_EXPORT HRESULT VxList_MoveRange(tVXLIST* list, int32_t from, int32_t to, int3
 VX_EXPORT HRESULT VxList_ArrayForceItemCount(tVXLIST* list, int32_t n, int32_t shrink);
 
 /* ---- Items of heap lists ---- */
+/* A size is in bytes, 0 and up; a negative one gives E_OUTOFMEMORY. */
 
 /* Allocates a zeroed item of so many bytes and keeps it pending: fill it, then insert it with
  * VxList_InsertList(list, index, NULL, -1) or drop it with VxList_DeleteList(list, -1, -1, 0). *item is
@@ -197,9 +198,9 @@ VX_EXPORT uint64_t VxList_AllocSize(tVXLIST* list, int32_t index);
 /* Moves n items of src, a negative n: as many as src has, in front of dstIndex of dst, in their order;
  * a negative dstIndex, or one past the end, appends. The items themselves stay where they are, so both
  * lists must allocate from the same heap. Both locks are held, that of dst taken first: two threads
- * must not move between the same lists in opposite directions. E_FAIL where one is no heap list, where
- * both are the same, where dst has a pending item, or for a range outside src. Without memory the last
- * items of the range may have moved already. */
+ * must not move between the same lists in opposite directions. E_FAIL where one is no heap list or dst
+ * has a pending item; then, with nothing to move, 0; E_FAIL where both are the same, or for a range
+ * outside src. Without memory the last items of the range may have moved already. */
 VX_EXPORT HRESULT VxList_MoveItemsBetweenHeapLists(tVXLIST* dst, int32_t dstIndex, tVXLIST* src,
                                                    int32_t srcIndex, int32_t n);
 

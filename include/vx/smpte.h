@@ -44,10 +44,12 @@ VX_EXPORT uint32_t VXSMPTE_SMPTEToFrameCount(const _smpteval* label);
 VX_EXPORT void VXSMPTE_FrameCountToSMPTE(_smpteval* label, uint32_t count);
 
 /* The time at which a label's frame begins, by the format's true rate, rounded up to a whole unit
- * within 0.999; so it converts back to the same label. An unknown format runs at 30. */
+ * within 0.999; so it converts back to the same label, unless drop-frame leaves that one out. An
+ * unknown format runs at 30. */
 VX_EXPORT int64_t VXSMPTE_SMPTEToNanos(const _smpteval* label);
 
-/* The label of the frame that shows at a time of 0 or above. */
+/* The label of the frame that shows at a time of 0 or above; within 0.000005 of a frame before its
+ * start it shows already. */
 VX_EXPORT void VXSMPTE_NanoToSMPTE(int64_t nanos, _smpteval* label);
 
 /* The time of a label at any rate (frames a second, not 0); its format plays no part and no label is

@@ -4,8 +4,9 @@
  * the caller holds: a 64-bit raw reading of the clock, 0 before its first use. A first
  * VxDelta... call on a zero stamp gives the time since the clock's own zero, and leaves a good stamp.
  *
- * The clock is the system's tick count, in whole milliseconds, wrapping at 32 bits, until the kernel
- * starts; from then on the performance counter. A stamp of the one means nothing under the other.
+ * Until the kernel's start has run, and in a process where it never runs, the clock is the system's
+ * tick count: whole milliseconds, wrapping at 32 bits. From then on it is the performance counter. A
+ * stamp of the one means nothing under the other.
  *
  * Any thread may call; a stamp belongs to one thread at a time. */
 #ifndef VX_TIMER_H

@@ -20,12 +20,12 @@ int32_t SlotsOrDefault(int32_t slots)
     return slots < 1 ? kDefaultSlots : std::max(slots, kFewestSlots);
 }
 
+// A record of zeros; the one in place has been cleared.
 tVXLIST* NewRecord(tVXLIST** list, uint32_t options)
 {
-    if (!(options & VXLIST_OPT_INPLACE))
-        return static_cast<tVXLIST*>(HeapAlloc(GetProcessHeap(), HEAP_ZERO_MEMORY, sizeof(tVXLIST)));
-    **list = {};
-    return *list;
+    return options & VXLIST_OPT_INPLACE
+               ? *list
+               : static_cast<tVXLIST*>(HeapAlloc(GetProcessHeap(), HEAP_ZERO_MEMORY, sizeof(tVXLIST)));
 }
 
 void EndRecord(tVXLIST* list)

@@ -58,16 +58,26 @@ private:
     const bool allowed_;
 };
 
+inline std::byte* SlotAt(void* block, uint64_t slotBytes, int32_t index)
+{
+    return static_cast<std::byte*>(block) + uint64_t(uint32_t(index)) * slotBytes;
+}
+
+inline void* PointerIn(const std::byte* slot)
+{
+    void* pointer;
+    std::memcpy(&pointer, slot, sizeof(pointer));
+    return pointer;
+}
+
 inline std::byte* SlotAt(const tVXLIST& list, int32_t index)
 {
-    return static_cast<std::byte*>(list.items) + uint64_t(uint32_t(index)) * list.itemSize;
+    return SlotAt(list.items, list.itemSize, index);
 }
 
 inline void* PointerAt(const tVXLIST& list, int32_t index)
 {
-    void* pointer;
-    std::memcpy(&pointer, SlotAt(list, index), sizeof(pointer));
-    return pointer;
+    return PointerIn(SlotAt(list, index));
 }
 
 // Items as callbacks get them. A callback does not change the list, so the record is read once.
@@ -75,22 +85,17 @@ class Items
 {
 public:
     explicit Items(const tVXLIST& list)
-        : slots_(static_cast<const std::byte*>(list.items)), slotBytes_(list.itemSize),
-          inSlots_(IsArrayList(list))
+        : block_(list.items), slotBytes_(list.itemSize), inSlots_(IsArrayList(list))
     {}
 
     const void* operator[](int32_t index) const
     {
-        const std::byte* slot = slots_ + uint64_t(uint32_t(index)) * slotBytes_;
-        if (inSlots_)
-            return slot;
-        const void* pointer;
-        std::memcpy(&pointer, slot, sizeof(pointer));
-        return pointer;
+        const std::byte* slot = SlotAt(block_, slotBytes_, index);
+        return inSlots_ ? slot : PointerIn(slot);
     }
 
 private:
-    const std::byte* const slots_;
+    void* const block_;
     const uint64_t slotBytes_;
     const bool inSlots_;
 };
@@ -104,6 +109,12 @@ inline bool IsIndex(const tVXLIST& list, int32_t index)
 inline int32_t InsertIndex(const tVXLIST& list, int32_t index)
 {
     return index < 0 || index > list.count ? list.count : index;
+}
+
+// Slots that a block of so many has room for: at least one, so that an empty list keeps a block.
+inline int64_t RoomOf(int64_t slots)
+{
+    return slots > 0 ? slots : 1;
 }
 
 // list_storage.cpp

@@ -47,8 +47,7 @@ uint64_t HeapItemSize(const tVXLIST& list, int32_t index)
 
 uint64_t WholeSize(const tVXLIST& list)
 {
-    const uint64_t slots = list.allocated > 0 ? uint64_t(list.allocated) : 1;
-    uint64_t bytes = sizeof(tVXLIST) + slots * list.itemSize;
+    uint64_t bytes = sizeof(tVXLIST) + uint64_t(RoomOf(list.allocated)) * list.itemSize;
     if (IsHeapList(list))
         for (int32_t i = 0; i < list.count; ++i)
             bytes += HeapItemSize(list, i);

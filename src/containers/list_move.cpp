@@ -56,13 +56,13 @@ HRESULT GrowForItems(tVXLIST& list, int32_t n)
 
 HRESULT MoveBetween(tVXLIST& dst, int32_t dstIndex, tVXLIST& src, int32_t srcIndex, int32_t n)
 {
-    if (&dst == &src || !IsHeapList(dst) || !IsHeapList(src) || dst.pendingItem)
+    if (!IsHeapList(dst) || !IsHeapList(src) || dst.pendingItem)
         return E_FAIL;
     if (n < 0)
         n = src.count;
     if (n == 0)
         return S_OK;
-    if (srcIndex < 0 || int64_t(srcIndex) + n > src.count)
+    if (&dst == &src || srcIndex < 0 || int64_t(srcIndex) + n > src.count)
         return E_FAIL;
     const HRESULT status = GrowForItems(dst, n);
     const int32_t moved = std::min(n, dst.allocated - dst.count);

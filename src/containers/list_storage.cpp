@@ -15,13 +15,11 @@ int64_t WholeSteps(const tVXLIST& list, int64_t slots)
     return (slots + list.growBy - 1) / list.growBy * list.growBy;
 }
 
-// Bytes of a block: never fewer than those of one item, so that an empty list keeps a block. 0 where
-// they cannot be counted.
+// 0 where the bytes cannot be counted; items of no bytes need a block too.
 size_t BlockBytes(const tVXLIST& list, int64_t slots)
 {
     uint64_t bytes;
-    if (slots > kMostSlots ||
-        __builtin_mul_overflow(uint64_t(std::max<int64_t>(slots, 1)), list.itemSize, &bytes) ||
+    if (slots > kMostSlots || __builtin_mul_overflow(uint64_t(RoomOf(slots)), list.itemSize, &bytes) ||
         bytes > uint64_t(PTRDIFF_MAX))
         return 0;
     return std::max<size_t>(bytes, 1);

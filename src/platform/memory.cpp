@@ -144,8 +144,12 @@ SIZE_T RoomFor(const Block& block, SIZE_T bytes)
 
 HGLOBAL ResizeByMove(HGLOBAL handle, Block& block, SIZE_T bytes, bool zeroed)
 {
-    const SIZE_T room = RoomFor(block, bytes);
-    void* const data = AllocateBytes(room, false);
+    SIZE_T room = RoomFor(block, bytes);
+    void* data = AllocateBytes(room, false);
+    if (!data && room > bytes) { // what is asked for may fit without the spare room
+        room = bytes;
+        data = AllocateBytes(room, false);
+    }
     if (!data)
         return Fail<HGLOBAL>(ERROR_NOT_ENOUGH_MEMORY, nullptr);
     const SIZE_T kept = std::min(bytes, block.bytes);

@@ -1,6 +1,7 @@
 #include "vx/smpte.h"
 
 #include "time/rounding.h"
+#include "time/smpte_format.h"
 
 namespace {
 
@@ -10,29 +11,6 @@ constexpr uint32_t kDropHour = 108;           // labels that drop-frame leaves o
 constexpr uint32_t kPlainHour = 60 * 60 * 30; // frames of an hour, a minute and ten minutes
 constexpr uint32_t kPlainMinute = 60 * 30;    // of a plain 30-frame clock
 constexpr uint32_t kPlainTenMinutes = 10 * kPlainMinute;
-
-struct Format
-{
-    uint32_t nominal; // frames a second as labels count them
-    double rate;      // true frames a second
-    bool drop;
-    uint32_t day; // frames in 24 hours
-};
-
-constexpr Format kFormats[] = {
-    {0, 30.0, false, 0}, // stands for all unknown formats, which count nothing
-    {30, 30.0, false, 2'592'000},
-    {30, 30000.0 / 1001.0, true, 2'589'408},
-    {25, 25.0, false, 2'160'000},
-    {24, 24.0, false, 2'073'600},
-    {30, 30000.0 / 1001.0, false, 2'592'000},
-    {24, 24000.0 / 1001.0, false, 2'073'600},
-};
-
-const Format& FormatOf(const _smpteval& label)
-{
-    return kFormats[label.format <= VXSMPTE_FORMAT_23976 ? label.format : 0];
-}
 
 // Frames 0 and 1 of the first second of a minute that is no multiple of ten.
 bool IsDropped(uint32_t minutes, uint32_t seconds, uint32_t frames)
@@ -73,7 +51,7 @@ void SetFields(_smpteval& label, uint32_t hours, uint32_t minutes, uint32_t seco
 
 uint32_t VXSMPTE_SMPTEToFrameCount(const _smpteval* label)
 {
-    const Format& format = FormatOf(*label);
+    const SmpteFormat& format = FormatOf(*label);
     if (format.nominal == 0)
         return 0;
     const bool dropped = format.drop && IsDropped(label->minutes, label->seconds, label->frames);
@@ -87,7 +65,7 @@ uint32_t VXSMPTE_SMPTEToFrameCount(const _smpteval* label)
 
 void VXSMPTE_FrameCountToSMPTE(_smpteval* label, uint32_t count)
 {
-    const Format& format = FormatOf(*label);
+    const SmpteFormat& format = FormatOf(*label);
     if (format.nominal == 0) {
         SetFields(*label, 0, 0, 0, 0);
         return;
@@ -143,7 +121,7 @@ int32_t VXSMPTE_SMPTECompare(const _smpteval* a, const _smpteval* b)
 
 void VXSMPTE_IncrementByFrame(_smpteval* label)
 {
-    const Format& format = FormatOf(*label);
+    const SmpteFormat& format = FormatOf(*label);
     if (++label->frames < format.nominal)
         return;
     label->frames = 0;
@@ -163,7 +141,7 @@ void VXSMPTE_IncrementByFrame(_smpteval* label)
 
 void VXSMPTE_DeccrementByFrame(_smpteval* label, uint32_t)
 {
-    const Format& format = FormatOf(*label);
+    const SmpteFormat& format = FormatOf(*label);
     if (format.drop && label->frames == 2 && IsDropped(label->minutes, label->seconds, 1)) {
         SetFields(*label, label->hours, label->minutes - 1, 59, format.nominal - 1);
         return;

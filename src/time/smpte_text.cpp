@@ -1,16 +1,16 @@
 // Typed timecode to a label.
 #include "vx/smpte.h"
 
+#include "kernel/characters.h"
+#include "time/smpte_format.h"
+
 #include <string_view>
 
 namespace {
 
-constexpr int kFields = 4;
+using namespace vx;
 
-bool IsDigit(char16_t c)
-{
-    return c >= u'0' && c <= u'9';
-}
+constexpr int kFields = 4;
 
 // Takes the numbers in the order in which they were typed, so that the last one is the frames.
 class FieldTaker
@@ -81,12 +81,6 @@ void Carry(_smpteval& label, uint32_t nominal)
     label.hours %= 24;
 }
 
-uint32_t NominalRate(uint32_t format)
-{
-    const _smpteval second = {format, 0, 0, 1, 0, 0};
-    return VXSMPTE_SMPTEToFrameCount(&second);
-}
-
 } // namespace
 
 char16_t VXSMPTE_TextToSMPTE(const char16_t* text, _smpteval* label)
@@ -101,6 +95,6 @@ char16_t VXSMPTE_TextToSMPTE(const char16_t* text, _smpteval* label)
     bool more = TakeRuns(rest, taker);
     for (; more && emptyFields > 0; --emptyFields)
         more = taker.Take(0, u'0');
-    Carry(*label, NominalRate(label->format));
+    Carry(*label, FormatOf(*label).nominal);
     return taker.Stop();
 }

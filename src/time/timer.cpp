@@ -4,6 +4,7 @@
 #include "vx/timer.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace vx {
 
@@ -25,104 +26,106 @@ int64_t CounterScale::Microsec(int64_t ticks) const
 
 namespace {
 
-// The two clocks: how a raw reading is taken, and how a difference of two becomes a time.
-struct Clock
+CounterScale g_scale; // written with g_timer
+
+// The two clocks: how a raw reading is taken, and how the difference of two becomes a time.
+struct CounterClock
 {
-    int64_t (*now)();
-    int64_t (*millisec)(int64_t difference);
-    int64_t (*microsec)(int64_t difference);
+    static int64_t Now()
+    {
+        LARGE_INTEGER now;
+        QueryPerformanceCounter(&now);
+        return now.QuadPart;
+    }
+    static int64_t Millisec(int64_t difference) { return g_scale.Millisec(difference); }
+    static int64_t Microsec(int64_t difference) { return g_scale.Microsec(difference); }
 };
 
-CounterScale g_scale; // written with g_clock
-
-int64_t CounterNow()
+struct TickClock
 {
-    LARGE_INTEGER now;
-    QueryPerformanceCounter(&now);
-    return now.QuadPart;
-}
-
-int64_t TickNow()
-{
-    return GetTickCount();
-}
-
-constexpr Clock kTickClock = {
-    TickNow,
-    [](int64_t difference) { return int64_t(uint32_t(difference)); },
-    [](int64_t difference) { return int64_t(uint32_t(difference) * 1000u); },
+    static int64_t Now() { return GetTickCount(); }
+    static int64_t Millisec(int64_t difference) { return uint32_t(difference); }
+    static int64_t Microsec(int64_t difference) { return uint32_t(difference) * 1000u; }
 };
 
-constexpr Clock kCounterClock = {
-    CounterNow,
-    [](int64_t difference) { return g_scale.Millisec(difference); },
-    [](int64_t difference) { return g_scale.Microsec(difference); },
+template <class Clock>
+struct Timer
+{
+    static int64_t Raw(const int64_t* stamp) { return int64_t(uint64_t(Clock::Now()) - uint64_t(*stamp)); }
+    static int64_t MoveRaw(int64_t* stamp)
+    {
+        const int64_t now = Clock::Now();
+        return int64_t(uint64_t(now) - uint64_t(std::exchange(*stamp, now)));
+    }
+    static int64_t Millisec(const int64_t* stamp) { return Clock::Millisec(Raw(stamp)); }
+    static int64_t Microsec(const int64_t* stamp) { return Clock::Microsec(Raw(stamp)); }
+    static int64_t MoveMillisec(int64_t* stamp) { return Clock::Millisec(MoveRaw(stamp)); }
+    static int64_t MoveMicrosec(int64_t* stamp) { return Clock::Microsec(MoveRaw(stamp)); }
+
+    static constexpr TimerFunctions kFunctions = {Millisec,     Microsec, MoveMillisec,
+                                                  MoveMicrosec, Raw,      MoveRaw};
 };
 
-// Written once, by the kernel's early start on the host's main thread.
-const Clock* g_clock = &kTickClock;
+} // namespace
+
+constexpr TimerFunctions kTickTimer = Timer<TickClock>::kFunctions;
+constexpr TimerFunctions kCounterTimer = Timer<CounterClock>::kFunctions;
+
+namespace {
+
+// Written once, by the kernel's early start on the host's main thread. A copy, not a pointer: a call
+// is one load and one jump.
+constinit TimerFunctions g_timer = kTickTimer;
+bool g_counterChosen = false;
 int64_t g_base = 0;
-
-int64_t Difference(int64_t now, int64_t stamp)
-{
-    return int64_t(uint64_t(now) - uint64_t(stamp));
-}
-
-// Moves the stamp to now and returns by how much.
-int64_t Advance(int64_t& stamp)
-{
-    const int64_t now = g_clock->now();
-    const int64_t difference = Difference(now, stamp);
-    stamp = now;
-    return difference;
-}
 
 } // namespace
 
 void TimerEarlyInitialize(int32_t stage)
 {
-    if (stage == 0 || g_clock == &kCounterClock)
+    if (stage == 0 || g_counterChosen)
         return;
     LARGE_INTEGER frequency;
     if (QueryPerformanceFrequency(&frequency) && frequency.u.LowPart != 0) {
         g_scale = CounterScale::Of(frequency.u.LowPart);
-        g_clock = &kCounterClock;
+        g_timer = kCounterTimer;
+        g_counterChosen = true;
     }
-    g_base = g_clock->now();
+    g_timer.moveRaw(&g_base);
 }
 
 } // namespace vx
 
-using vx::g_clock;
+using vx::g_timer;
 
 int64_t VxGetMillisec()
 {
-    return VxGetMillisecEx(&vx::g_base);
+    return g_timer.millisec(&vx::g_base);
 }
 
 int64_t VxGetMicrosec()
 {
-    return VxGetMicrosecEx(&vx::g_base);
+    return g_timer.microsec(&vx::g_base);
 }
 
 int64_t VxGetMillisecEx(const int64_t* stamp)
 {
-    return g_clock->millisec(vx::Difference(g_clock->now(), *stamp));
+    return g_timer.millisec(stamp);
 }
 
 int64_t VxGetMicrosecEx(const int64_t* stamp)
 {
-    return g_clock->microsec(vx::Difference(g_clock->now(), *stamp));
+    return g_timer.microsec(stamp);
 }
 
 int64_t VxDeltaMillisecEx(int64_t* stamp)
 {
-    return g_clock->millisec(vx::Advance(*stamp));
+    return g_timer.moveMillisec(stamp);
 }
 
 int64_t VxDeltaMicrosecEx(int64_t* stamp)
 {
-    return g_clock->microsec(vx::Advance(*stamp));
+    return g_timer.moveMicrosec(stamp);
 }
 
 void VxTimer_LateInitialize() {}

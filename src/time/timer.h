@@ -21,4 +21,18 @@ struct CounterScale
     int64_t Microsec(int64_t ticks) const;
 };
 
+// One clock's functions, each of them whole: what is exported jumps to it. A stamp is a raw reading.
+struct TimerFunctions
+{
+    int64_t (*millisec)(const int64_t* stamp);
+    int64_t (*microsec)(const int64_t* stamp);
+    int64_t (*moveMillisec)(int64_t* stamp); // the stamp becomes now
+    int64_t (*moveMicrosec)(int64_t* stamp);
+    int64_t (*raw)(const int64_t* stamp);
+    int64_t (*moveRaw)(int64_t* stamp);
+};
+
+extern const TimerFunctions kTickTimer;    // whole milliseconds, cut to 32 bits
+extern const TimerFunctions kCounterTimer; // only once TimerEarlyInitialize has chosen it
+
 } // namespace vx

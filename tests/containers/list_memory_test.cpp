@@ -1,5 +1,5 @@
-// Every allocation of every operation fails once: the status says so, the list is as before, and
-// nothing is lost (the leak checker looks).
+// Each allocation of every operation fails, and all behind it: the status says so, the list is as
+// before, and nothing is lost (the leak checker looks).
 #include "containers/list_support.h"
 #include "vx/platform/testing.h"
 
@@ -23,8 +23,8 @@ struct Snapshot
     bool operator==(const Snapshot&) const = default;
 };
 
-// Runs the operation on lists of four items in four slots, with its first, second, ... allocation
-// failing, until it needs no more; returns how many failed.
+// Runs the operation on lists of four items in four slots, with all allocations from its first,
+// second, ... one on failing, until it needs no more; returns how many failed.
 int FailEachAllocation(const ListKind& kind, int32_t moreSlots,
                        const std::function<HRESULT(List&)>& operation)
 {
@@ -34,7 +34,7 @@ int FailEachAllocation(const ListKind& kind, int32_t moreSlots,
             EXPECT_EQ(VxList_GrowAllocated(list, moreSlots), S_OK);
         }
         const Snapshot before(list);
-        VxPlatform_FailAllocationAt(nth);
+        VxPlatform_FailAllocationsFrom(nth);
         const HRESULT status = operation(list);
         VxPlatform_FailAllocationAt(0);
         if (status == S_OK)
@@ -47,27 +47,20 @@ int FailEachAllocation(const ListKind& kind, int32_t moreSlots,
 TEST(ListMemory, CreationLeavesNothingBehind)
 {
     for (const ListKind& kind : kAllKinds)
-        for (const bool inPlace : {false, true}) {
-            int failures = 0;
-            HRESULT status = E_FAIL;
-            while (status != S_OK) {
+        for (const uint32_t inPlace : {0u, VXLIST_OPT_INPLACE}) {
+            const uint32_t options = kind.options | VXLIST_OPT_LOCKED | inPlace;
+            const uint32_t allocations = (inPlace ? 1 : 2) + (options & VXLIST_OPT_PRIVATEHEAP ? 1 : 0);
+            for (uint32_t nth = 1; nth <= allocations + 1; ++nth) {
                 tVXLIST record, *list = inPlace ? &record : nullptr;
-                const uint32_t options =
-                    kind.options | VXLIST_OPT_LOCKED | (inPlace ? VXLIST_OPT_INPLACE : 0);
-                VxPlatform_FailAllocationAt(uint32_t(failures) + 1);
-                status = VxList_CreateExZ(&list, 8, 0, 0, options, nullptr, 0, nullptr);
+                VxPlatform_FailAllocationAt(nth);
+                const HRESULT status = VxList_CreateExZ(&list, 8, 0, 0, options, nullptr, 0, nullptr);
                 VxPlatform_FailAllocationAt(0);
-                if (status == S_OK) {
-                    EXPECT_EQ(VxList_Destroy(list), S_OK);
-                    break;
-                }
-                ++failures;
-                EXPECT_EQ(status, E_OUTOFMEMORY);
-                EXPECT_EQ(list, inPlace ? &record : nullptr);
-                EXPECT_FALSE(inPlace && VxList_IsListFast(&record));
+                const bool made = nth > allocations;
+                EXPECT_EQ(status, made ? S_OK : E_OUTOFMEMORY) << kind << ", allocation " << nth;
+                EXPECT_EQ(list != nullptr, made || inPlace);
+                EXPECT_EQ(inPlace && VxList_IsListFast(&record), made && inPlace);
+                EXPECT_EQ(made ? VxList_Destroy(list) : S_OK, S_OK);
             }
-            const int heap = kind.options & VXLIST_OPT_PRIVATEHEAP ? 1 : 0;
-            EXPECT_EQ(failures, (inPlace ? 1 : 2) + heap) << kind;
         }
 }
 
@@ -104,17 +97,12 @@ TEST(ListMemory, FailedOperationsChangeNothing)
     }
     EXPECT_EQ(
         FailEachAllocation(kArray, 0, [](List& list) { return VxList_ArrayForceItemCount(list, 5, 0); }), 1);
-}
-
-TEST(ListMemory, MovesOfMoreThan512BytesNeedMemory)
-{
-    for (const int32_t n : {64, 65}) {
-        List list(kArray);
-        EXPECT_EQ(VxList_ArrayForceItemCount(list, 200, 0), S_OK);
-        VxPlatform_FailAllocationAt(1);
-        EXPECT_EQ(VxList_MoveRange(list, 0, 10, n), n == 64 ? S_OK : E_OUTOFMEMORY);
-        VxPlatform_FailAllocationAt(0);
-    }
+    // One of these items is moved without memory, two are not.
+    constexpr ListKind kLargeItems{"array of large items", VXLIST_OPT_ARRAY, 512};
+    for (const int32_t n : {1, 2})
+        EXPECT_EQ(
+            FailEachAllocation(kLargeItems, 0, [=](List& list) { return VxList_MoveRange(list, 0, 2, n); }),
+            n - 1);
 }
 
 TEST(ListMemory, FailedShrinkDoesNotFailTheDeletion)
@@ -130,22 +118,20 @@ TEST(ListMemory, FailedShrinkDoesNotFailTheDeletion)
 
 TEST(ListMemory, AMoveBetweenListsThatStopsHasMovedTheLastItems)
 {
-    for (const uint32_t nth : {1u, 2u, 3u}) {
-        List dst(kHeapItems, {1, 2}), src(kHeapItems);
-        std::vector<int64_t> all(100);
-        std::iota(all.begin(), all.end(), 11);
-        EXPECT_EQ(src.Insert(0, all), S_OK);
-        VxPlatform_FailAllocationAt(nth);
-        EXPECT_EQ(VxList_MoveItemsBetweenHeapLists(dst, 1, src, 0, -1), E_OUTOFMEMORY);
-        VxPlatform_FailAllocationAt(0);
-        const int32_t left = src->count;
-        EXPECT_TRUE(left > 0 && left <= 98) << left; // two slots of dst were free
-        EXPECT_EQ(src.Values(), std::vector<int64_t>(all.begin(), all.begin() + left));
-        std::vector<int64_t> want = {1, 2};
-        want.insert(want.begin() + 1, all.begin() + left, all.end());
-        EXPECT_EQ(dst.Values(), want);
-        EXPECT_EQ(dst->pendingItem, nullptr);
-    }
+    List dst(kHeapItems, {1, 2}), src(kHeapItems);
+    std::vector<int64_t> all(100);
+    std::iota(all.begin(), all.end(), 11);
+    EXPECT_EQ(src.Insert(0, all), S_OK);
+    VxPlatform_FailAllocationsFrom(2);
+    EXPECT_EQ(VxList_MoveItemsBetweenHeapLists(dst, 1, src, 0, -1), E_OUTOFMEMORY);
+    VxPlatform_FailAllocationsFrom(0);
+    const int32_t left = src->count;
+    EXPECT_TRUE(left > 0 && left < 98) << left; // two slots of dst were free, and the block grew
+    EXPECT_EQ(src.Values(), std::vector<int64_t>(all.begin(), all.begin() + left));
+    std::vector<int64_t> want = {1, 2};
+    want.insert(want.begin() + 1, all.begin() + left, all.end());
+    EXPECT_EQ(dst.Values(), want);
+    EXPECT_EQ(dst->pendingItem, nullptr);
 }
 
 } // namespace

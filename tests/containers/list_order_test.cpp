@@ -1,205 +1,210 @@
 // The comparisons that searches and sorts make, one by one: hosts' callbacks rely on them.
 #include "containers/list_support.h"
+#include "support/random.h"
 
-#include <string>
+#include <algorithm>
 
 namespace {
 
 using namespace vxtest;
 
-// Items are letters; two letters that differ in case only are equal. Keeps all comparisons.
-std::string g_calls;
-int64_t g_criteria;
+using Pairs = std::vector<std::pair<int64_t, int64_t>>;
 
-int32_t CompareLetters(int64_t criteria, const void* left, const void* right)
+// Neighbours are equal, so that it shows which one of several equal items went where.
+int32_t Order(int64_t left, int64_t right)
 {
-    const auto letter = [](const void* item) { return char(reinterpret_cast<intptr_t>(item)); };
-    g_criteria = criteria;
-    g_calls += g_calls.empty() ? "" : " ";
-    g_calls += {letter(left), letter(right)};
-    return (letter(left) | 32) - (letter(right) | 32);
+    return int32_t(left / 2 - right / 2);
 }
 
-class Letters : public List
+// What the comparison of a list under test notes; its address is the list's criteria.
+struct Log
 {
-public:
-    explicit Letters(const std::string& letters) : List(kPointers)
+    const ListKind& kind;
+    Pairs pairs;
+
+    int64_t Criteria() const { return int64_t(reinterpret_cast<intptr_t>(this)); }
+    static int32_t Compare(int64_t criteria, const void* left, const void* right)
     {
-        EXPECT_EQ(Insert(-1, {letters.begin(), letters.end()}), S_OK);
-    }
-    std::string Text() const
-    {
-        const std::vector<int64_t> values = Values();
-        return {values.begin(), values.end()};
+        Log& log = *reinterpret_cast<Log*>(intptr_t(criteria));
+        log.pairs.emplace_back(List::Value(log.kind, left), List::Value(log.kind, right));
+        return Order(log.pairs.back().first, log.pairs.back().second);
     }
 };
 
-const void* Key(char letter)
+// The same operations on a vector, step by step as hosts know them.
+class Oracle
 {
-    return reinterpret_cast<const void*>(intptr_t(letter));
-}
-
-TEST(ListOrder, Sorts)
-{
-    const struct
+public:
+    struct Found
     {
-        HRESULT (*sort)(tVXLIST*, int64_t, VxListCompare);
-        const char *before, *after, *calls;
-    } cases[] = {
-        {VxList_Sort, "", "", ""},
-        {VxList_Sort, "a", "a", ""},
-        {VxList_Sort, "cab", "abc", "ac bc ab"},
-        {VxList_Sort, "abc", "abc", "ba cb ba"},
-        // Equal items: the first of them goes to the end in each round.
-        {VxList_Sort, "aA", "Aa", "Aa"},
-        {VxList_Sort, "bcCa", "abCc", "cb Cc ac ab Cb ab"},
-        {VxList_HeapSort, "", "", ""},
-        {VxList_HeapSort, "a", "a", ""},
-        {VxList_HeapSort, "ab", "ab", "ba"},
-        {VxList_HeapSort, "ba", "ab", "ab"},
-        {VxList_HeapSort, "adbc", "abcd", "cd bd da ba bc ab"},
+        int32_t index, place;
     };
-    for (const auto& c : cases) {
-        const Letters list(c.before);
-        g_calls.clear();
-        g_criteria = 99;
-        EXPECT_EQ(c.sort(list, 99, CompareLetters), S_OK);
-        EXPECT_EQ(list.Text(), c.after) << c.before;
-        EXPECT_EQ(g_calls, c.calls) << c.before;
-        EXPECT_EQ(g_criteria, 99);
+
+    explicit Oracle(std::vector<int64_t> values) : items(std::move(values)) {}
+
+    void Sort()
+    {
+        for (size_t end = items.size(); end-- > 1;) {
+            size_t best = 0;
+            for (size_t p = 1; p <= end; ++p)
+                if (Compare(items[p], items[best]) > 0)
+                    best = p;
+            std::swap(items[best], items[end]);
+        }
+    }
+
+    void HeapSort()
+    {
+        const size_t n = items.size();
+        for (size_t k = n / 2; k >= 2; --k)
+            Sift(k, n);
+        for (size_t size = n; size >= 2; --size) {
+            Sift(1, size);
+            std::swap(At(1), At(size));
+        }
+    }
+
+    Found Search(int64_t key, int32_t first, int32_t count)
+    {
+        const int32_t all = int32_t(items.size());
+        int32_t low = std::max(first, 0);
+        if (low > all)
+            return {-1, -1};
+        int32_t range = count < 0 ? all - low : std::min(count, all - low);
+        if (range < 1)
+            return {-1, 0};
+        for (int32_t high = low + range - 1; range / 2 != 0;) {
+            const int32_t probe = low + (range - 1) / 2;
+            const int32_t order = Compare(key, items[size_t(probe)]);
+            if (order == 0)
+                return {probe, probe};
+            range = order < 0 && range % 2 == 0 ? range / 2 - 1 : range / 2;
+            (order < 0 ? high : low) = order < 0 ? probe - 1 : probe + 1;
+            if (low > high)
+                return {-1, order < 0 ? probe : probe + 1};
+        }
+        const int32_t order = Compare(key, items[size_t(low)]);
+        return {order == 0 ? low : -1, order <= 0 ? low : low + 1};
+    }
+
+    std::vector<int64_t> items;
+    Pairs pairs;
+
+private:
+    int64_t& At(size_t position) { return items[position - 1]; }
+    int32_t Compare(int64_t left, int64_t right)
+    {
+        pairs.emplace_back(left, right);
+        return Order(left, right);
+    }
+    void Sift(size_t node, size_t size)
+    {
+        size_t child = 2 * node;
+        do {
+            if (child < size && Compare(At(child + 1), At(child)) > 0)
+                ++child;
+            if (Compare(At(child), At(node)) > 0)
+                std::swap(At(child), At(node));
+            node = child;
+            child *= 2;
+        } while (child < size);
+    }
+};
+
+class ListOrder : public testing::TestWithParam<ListKind>
+{
+protected:
+    std::vector<int64_t> RandomValues()
+    {
+        std::vector<int64_t> values(size_t(random_.Int(0, random_.Int(0, 1) ? 4 : 40)));
+        const int32_t most = random_.Int(2, 60); // few values: many are equal
+        for (int64_t& value : values)
+            value = random_.Int(2, most);
+        return values;
+    }
+
+    Random random_;
+};
+
+TEST_P(ListOrder, SortsCompareAndSwapStepByStep)
+{
+    for (int round = 0; round < 200; ++round) {
+        Oracle oracle(RandomValues());
+        List list(GetParam());
+        ASSERT_EQ(list.Insert(0, oracle.items), S_OK);
+        Log log{GetParam(), {}};
+        const bool heapSort = random_.Int(0, 1) != 0;
+        heapSort ? oracle.HeapSort() : oracle.Sort();
+        ASSERT_EQ((heapSort ? VxList_HeapSort : VxList_Sort)(list, log.Criteria(), Log::Compare), S_OK);
+        ASSERT_EQ(log.pairs, oracle.pairs);
+        ASSERT_EQ(list.Values(), oracle.items);
+        ASSERT_TRUE(std::is_sorted(oracle.items.begin(), oracle.items.end(),
+                                   [](int64_t a, int64_t b) { return Order(a, b) < 0; }));
     }
 }
 
-// Nothing is ever greater, so each walk goes down by left children, and on to the bottom.
-TEST(ListOrder, HeapSortOfEqualItems)
+TEST_P(ListOrder, SearchesHalveTheRange)
 {
-    static std::string pairs;
-    const auto equal = [](int64_t, const void* left, const void* right) -> int32_t {
-        pairs += {char(reinterpret_cast<intptr_t>(left)), char(reinterpret_cast<intptr_t>(right)), ' '};
-        return 0;
-    };
-    const Letters list("abcdef");
-    EXPECT_EQ(VxList_HeapSort(list, 0, equal), S_OK);
-    EXPECT_EQ(pairs, "fc ed db cb ba ed db cb bf ed db cb be cb bd bc ");
-    EXPECT_EQ(list.Text(), "bcdefa");
+    for (int round = 0; round < 1000; ++round) {
+        Oracle oracle(RandomValues());
+        std::sort(oracle.items.begin(), oracle.items.end());
+        List list(GetParam());
+        ASSERT_EQ(list.Insert(0, oracle.items), S_OK);
+        Log log{GetParam(), {}};
+        ASSERT_EQ(VxList_Sort(list, log.Criteria(), nullptr), S_OK);
+        const int64_t value = random_.Int(1, 62);
+        const void* key = KeyOf(GetParam(), value);
+        const int32_t first = random_.Int(0, 2) ? random_.Int(-2, list->count + 2) : 0;
+        const int32_t count = random_.Int(0, 2) ? random_.Int(-2, list->count + 2) : -1;
+        const auto [index, place] = oracle.Search(value, first, count);
+        ASSERT_EQ(VxList_FindSortedItemRange(list, key, first, count, Log::Compare), index);
+        ASSERT_EQ(log.pairs, oracle.pairs);
+        log.pairs.clear();
+        ASSERT_EQ(VxList_FindSortedInsertIndexRange(list, key, first, count, Log::Compare), place);
+        ASSERT_EQ(log.pairs, oracle.pairs);
+        ASSERT_EQ(VxList_FindSortedItemRange(list, key, INT32_MAX, INT32_MAX, Log::Compare), -1);
+        ASSERT_EQ(VxList_FindSortedInsertIndexRange(list, key, INT32_MAX, INT32_MAX, Log::Compare), -1);
+    }
 }
 
-TEST(ListOrder, CriteriaAreStoredAndHandedOnAndANullCallbackDoesNothingElse)
+TEST_P(ListOrder, SortToInsertsOneByOne)
 {
-    const Letters list("cab"), source("c");
+    // Into a heap list nothing goes; its items are put in order in a pointer list.
+    const bool heap = GetParam().IsHeap();
+    for (int round = 0; round < 100; ++round) {
+        Oracle oracle(heap ? std::vector<int64_t>() : RandomValues());
+        std::sort(oracle.items.begin(), oracle.items.end());
+        const std::vector<int64_t> added = RandomValues();
+        List source(GetParam()), target(heap ? kPointers : GetParam());
+        ASSERT_EQ(source.Insert(0, added), S_OK);
+        ASSERT_EQ(target.Insert(0, oracle.items), S_OK);
+        Log log{GetParam(), {}};
+        ASSERT_EQ(VxList_SortTo(target, source, log.Criteria(), Log::Compare), S_OK);
+        for (const int64_t value : added)
+            oracle.items.insert(oracle.items.begin() + oracle.Search(value, 0, -1).place, value);
+        ASSERT_EQ(log.pairs, oracle.pairs);
+        ASSERT_EQ(target->count, int32_t(oracle.items.size()));
+        for (int32_t i = 0; i < target->count; ++i)
+            ASSERT_EQ(source.ItemOf(target, i), oracle.items[size_t(i)]);
+        ASSERT_EQ(source.Values(), added);
+        ASSERT_EQ(VxList_GetSortCriteria(source), 0) << "the source's stay";
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(EveryKind, ListOrder, testing::ValuesIn(kAllKinds));
+
+TEST(ListSort, ANullCallbackOnlyStoresTheCriteria)
+{
+    const List list(kPointers, {3, 1, 2}), source(kPointers, {3});
     EXPECT_EQ(VxList_GetSortCriteria(list), 0);
-    VxList_FindSortedItemRange(list, Key('a'), 0, 1, CompareLetters);
-    EXPECT_EQ(g_criteria, 0);
     constexpr int64_t kWide = 0x123456789ABCDEF0;
     for (const auto sort : {VxList_Sort, VxList_HeapSort}) {
-        VxList_SortTo(list, source, 1, nullptr);
+        EXPECT_EQ(VxList_SortTo(list, source, 1, nullptr), S_OK);
         EXPECT_EQ(VxList_GetSortCriteria(list), 1);
         EXPECT_EQ(sort(list, kWide, nullptr), S_OK);
         EXPECT_EQ(VxList_GetSortCriteria(list), kWide);
-        EXPECT_EQ(list.Text(), "cab");
+        EXPECT_EQ(list.Values(), (std::vector<int64_t>{3, 1, 2}));
     }
-    VxList_FindSortedInsertIndexRange(list, Key('a'), 0, 1, CompareLetters);
-    EXPECT_EQ(g_criteria, kWide);
-    EXPECT_EQ(VxList_GetSortCriteria(source), 0) << "the source's stay";
-}
-
-TEST(ListOrder, SearchesByHalving)
-{
-    const struct
-    {
-        const char* items;
-        char key;
-        int32_t first, count, found, place;
-        const char* calls;
-    } cases[] = {
-        {"", 'a', 0, -1, -1, 0, ""},
-        {"c", 'c', 0, -1, 0, 0, "cc"},
-        {"c", 'd', 0, -1, -1, 1, "dc"},
-        {"c", 'b', 0, -1, -1, 0, "bc"},
-        {"bd", 'b', 0, -1, 0, 0, "bb"},
-        {"bd", 'a', 0, -1, -1, 0, "ab"},
-        {"bd", 'c', 0, -1, -1, 1, "cb cd"},
-        {"bd", 'e', 0, -1, -1, 2, "eb ed"},
-        {"bdfhjln", 'g', 0, -1, -1, 3, "gh gd gf"},
-        {"bdfhjln", 'n', 0, -1, 6, 6, "nh nl nn"},
-        {"bdfhjl", 'b', 0, -1, 0, 0, "bf bb"},
-        {"bdfhjl", 'k', 0, -1, -1, 5, "kf kj kl"},
-        {"bdfh", 'a', 0, -1, -1, 0, "ad ab"},
-        // Of several equal ones the first that the halving meets.
-        {"abBbc", 'B', 0, -1, 2, 2, "BB"},
-        {"bbbbbd", 'b', 0, -1, 2, 2, "bb"},
-        // Ranges: before the list, in it, across its end, empty, behind it.
-        {"bdfh", 'h', -5, 99, 3, 3, "hd hf hh"},
-        {"bdfh", 'h', 0, 3, -1, 3, "hd hf"},
-        {"bdfh", 'b', 1, -1, -1, 1, "bf bd"},
-        {"bdfh", 'f', 2, 1, 2, 2, "ff"},
-        {"bdfh", 'f', 2, 0, -1, 0, ""},
-        {"bdfh", 'f', 4, -1, -1, 0, ""},
-        {"bdfh", 'f', 5, -1, -1, -1, ""},
-        {"bdfh", 'f', INT32_MAX, INT32_MAX, -1, -1, ""},
-    };
-    for (const auto& c : cases) {
-        const Letters list(c.items);
-        SCOPED_TRACE(testing::Message()
-                     << c.key << " in " << c.items << " from " << c.first << ", " << c.count);
-        g_calls.clear();
-        EXPECT_EQ(VxList_FindSortedItemRange(list, Key(c.key), c.first, c.count, CompareLetters), c.found);
-        EXPECT_EQ(g_calls, c.calls);
-        g_calls.clear();
-        EXPECT_EQ(VxList_FindSortedInsertIndexRange(list, Key(c.key), c.first, c.count, CompareLetters),
-                  c.place);
-        EXPECT_EQ(g_calls, c.calls);
-    }
-}
-
-TEST(ListOrder, LinearSearchVisitsTheRangeInOrderUpToTheHit)
-{
-    static std::string visited;
-    const auto match = [](int64_t word, const void* item) -> int32_t {
-        visited += char(reinterpret_cast<intptr_t>(item));
-        return int32_t(word - reinterpret_cast<intptr_t>(item));
-    };
-    const struct
-    {
-        char sought;
-        int32_t first, count, found;
-        const char* visited;
-    } cases[] = {
-        {'c', 0, -1, 2, "abc"}, {'c', -5, 3, 2, "abc"}, {'a', 1, -1, 4, "bcda"}, {'d', 1, 2, -1, "bc"},
-        {'a', 5, -1, -1, ""},   {'a', 0, 0, -1, ""},    {'z', 3, 99, -1, "da"},  {'a', INT32_MAX, 1, -1, ""},
-    };
-    const Letters list("abcda");
-    for (const auto& c : cases) {
-        visited.clear();
-        EXPECT_EQ(VxList_FindItemRange(list, c.first, c.count, c.sought, match), c.found) << c.sought;
-        EXPECT_EQ(visited, c.visited);
-        EXPECT_EQ(VxList_FindSpecificItemRange(list, c.first, c.count, Key(c.sought)), c.found);
-    }
-}
-
-TEST(ListOrder, SortToPutsNewItemsInFrontOfTheEqualOneMet)
-{
-    const Letters source("cCab"), target("bd");
-    g_calls.clear();
-    EXPECT_EQ(VxList_SortTo(target, source, 5, CompareLetters), S_OK);
-    EXPECT_EQ(target.Text(), "abbCcd");
-    EXPECT_EQ(g_calls, "cb cd Cc aC ab bC ba bb");
-    EXPECT_EQ(source.Text(), "cCab");
-}
-
-TEST(ListOrder, SortToWorksBetweenListsOfEachKind)
-{
-    for (const ListKind& kind : kAllKinds) {
-        const List source(kind, {3, 1, 2, 1}), target(kind, {2});
-        EXPECT_EQ(VxList_SortTo(target, source, 0, CompareOf(kind)), S_OK);
-        const std::vector<int64_t> sorted = {1, 1, 2, 2, 3}, untouched = {2}; // no copies of heap items
-        EXPECT_EQ(target.Values(), kind.IsHeap() ? untouched : sorted) << kind;
-    }
-    const List items(kHeapItems, {3, 1, 2}), order(kPointers);
-    EXPECT_EQ(VxList_SortTo(order, items, 0, CompareAddressed), S_OK);
-    ASSERT_EQ(order->count, 3);
-    for (int32_t i = 0; i < 3; ++i)
-        EXPECT_EQ(List::Value(kHeapItems, order.Pointer(i)), i + 1);
 }
 
 } // namespace

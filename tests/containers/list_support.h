@@ -67,7 +67,6 @@ public:
     }
 
     // The value of an item as callbacks get it.
-    int64_t ValueOf(const void* item) const { return Value(kind_, item); }
     static int64_t Value(const ListKind& kind, const void* item)
     {
         if (kind.options == 0)
@@ -91,8 +90,13 @@ public:
     {
         std::vector<int64_t> values;
         for (int32_t i = 0; i < list_->count; ++i)
-            values.push_back(ValueOf(kind_.IsArray() ? Slot(i) : Pointer(i)));
+            values.push_back(ItemOf(*this, i));
         return values;
+    }
+    // The value of an item of another list, which holds this one's items.
+    int64_t ItemOf(const List& list, int32_t i) const
+    {
+        return Value(kind_, kind_.IsArray() ? list.Slot(i) : list.Pointer(i));
     }
 
 private:
@@ -100,21 +104,7 @@ private:
     tVXLIST* list_ = nullptr;
 };
 
-// A comparison by value for lists of the kind; array and heap items are addresses of values.
-inline int32_t CompareAddressed(int64_t, const void* left, const void* right)
-{
-    const int64_t a = List::Value(kArray, left), b = List::Value(kArray, right);
-    return a < b ? -1 : a > b;
-}
-inline int32_t ComparePointers(int64_t, const void* left, const void* right)
-{
-    return left < right ? -1 : left > right;
-}
-inline VxListCompare CompareOf(const ListKind& kind)
-{
-    return kind.options == 0 ? ComparePointers : CompareAddressed;
-}
-// A key for that comparison; the value must outlive it.
+// A key as callbacks get items of the kind; the value must outlive it.
 inline const void* KeyOf(const ListKind& kind, const int64_t& value)
 {
     return kind.options == 0 ? reinterpret_cast<const void*>(intptr_t(value)) : &value;

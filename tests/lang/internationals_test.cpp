@@ -73,6 +73,9 @@ TEST(Internationals, ValuesOfOneLocale)
     EXPECT_EQ(r.decimalSeparator, std::u16string(u","));
     EXPECT_EQ(r.listSeparator, std::u16string(u";"));
     EXPECT_EQ(r.measure, 0u);
+    const OnlyLocale english("en-US");
+    VxLang_GetInternationals(&r, sizeof(r));
+    EXPECT_EQ(r.measure, 1u);
 
     const OnlyLocale spanish("es-ES"); // 0x0c0a: no decimal digit in front of the letter but a zero
     VxLang_GetInternationals(&r, sizeof(r));

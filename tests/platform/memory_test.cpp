@@ -182,7 +182,7 @@ TEST_F(GlobalMemory, ADiscardedBlockKeepsItsHandle)
 
 TEST_F(GlobalMemory, AnAllocationThatFailsChangesNothing)
 {
-    VxPlatform_FailAllocationAt(2);
+    VxPlatform_FailAllocationsFrom(2);
     const HGLOBAL block = GlobalAlloc(GHND, 10);
     ASSERT_NE(block, nullptr) << "the second one fails, not the first";
     EXPECT_EQ(GlobalReAlloc(block, 1000, 0), nullptr);
@@ -190,7 +190,10 @@ TEST_F(GlobalMemory, AnAllocationThatFailsChangesNothing)
     EXPECT_EQ(GlobalSize(block), 10u);
     EXPECT_TRUE(AllBytesAre(GlobalLock(block), 10, 0));
     GlobalUnlock(block);
-    EXPECT_EQ(GlobalReAlloc(block, 1000, 0), block) << "once only";
+    VxPlatform_FailAllocationAt(1);
+    EXPECT_EQ(GlobalReAlloc(block, 1000, 0), block) << "there is memory, but none to spare";
+    GlobalLock(block);
+    EXPECT_EQ(GlobalReAlloc(block, 1001, 0), nullptr);
     GlobalFree(block);
     for (const UINT kind : {GMEM_MOVEABLE, GMEM_FIXED}) {
         SetLastError(ERROR_SUCCESS);

@@ -81,16 +81,35 @@ TEST(Smpte, LabelsThatDropFrameLeavesOutCountAsTheFirstOfTheirMinute)
     }
 }
 
+TEST(Smpte, StepsOfLabelsThatADayDoesNotHave)
+{
+    _smpteval label = Label(1, 37, 59, 59, 29);
+    VXSMPTE_IncrementByFrame(&label);
+    EXPECT_EQ(label, Label(1, 6, 0, 0, 0)) << "hours keep their low five bits";
+    label = Label(1, 37, 0, 0, 0);
+    VXSMPTE_DeccrementByFrame(&label, 0);
+    EXPECT_EQ(label, Label(1, 4, 59, 59, 29));
+    label = Label(kDrop, 0, 1, 0, 1);
+    VXSMPTE_DeccrementByFrame(&label, 0);
+    EXPECT_EQ(label, Label(kDrop, 0, 1, 0, 0)) << "only the first real label steps over the gap";
+}
+
 TEST(Smpte, UnknownFormatsCountNothing)
 {
     for (const uint32_t format : {0u, 7u, 0xFFFFFFFFu}) {
-        _smpteval a = Label(format, 1, 2, 3, 4), b = a;
-        EXPECT_EQ(VXSMPTE_SMPTEToFrameCount(&a), 0u);
-        VXSMPTE_SubtractSMPTE(&a, &b);
-        VXSMPTE_AddSMPTE(&b, &b);
-        VXSMPTE_NanoToSMPTE(123456789, &b);
-        EXPECT_EQ(VXSMPTE_TextToSMPTE(u"1:2:3:99", &b), 0);
-        EXPECT_EQ(b.frames, 99u) << "no carry without a rate";
+        const _smpteval label = Label(format, 1, 2, 3, 4), zero = Label(format, 0, 0, 0, 0);
+        EXPECT_EQ(VXSMPTE_SMPTEToFrameCount(&label), 0u);
+        _smpteval made = label;
+        VXSMPTE_SubtractSMPTE(&made, &label);
+        EXPECT_EQ(made, zero);
+        made = label;
+        VXSMPTE_AddSMPTE(&made, &label);
+        EXPECT_EQ(made, zero);
+        made = label;
+        VXSMPTE_NanoToSMPTE(123456789, &made);
+        EXPECT_EQ(made, zero);
+        EXPECT_EQ(VXSMPTE_TextToSMPTE(u"1:2:3:99", &made), 0);
+        EXPECT_EQ(made.frames, 99u) << "no carry without a rate";
     }
 }
 
@@ -128,6 +147,12 @@ TEST(Smpte, Times)
     EXPECT_EQ(VXSMPTE_SMPTEToNanos(&frame), 400'000);
     const _smpteval hour = Label(5, 1, 0, 0, 0);
     EXPECT_EQ(VXSMPTE_SMPTEToNanos(&hour), 36'036'000'000) << "an hour of labels lasts 3603.6 seconds";
+    for (const auto& [nanos, frames] : {std::pair(333331, 0u), std::pair(333332, 1u)}) {
+        _smpteval shown = Label(1, 0, 0, 0, 9);
+        VXSMPTE_NanoToSMPTE(nanos, &shown);
+        EXPECT_EQ(shown, Label(1, 0, 0, 0, frames)) << nanos;
+    }
+    EXPECT_EQ(VXSMPTE_SmpteLikeToNanos(7.0, &frame), 1'428'572);
     const _smpteval like = Label(99, 0, 1, 0, 6);
     EXPECT_EQ(VXSMPTE_SmpteLikeToNanos(12.0, &like), 605'000'000);
     EXPECT_EQ(VXSMPTE_SmpteLikeToNanos(0.0, &hour), INT64_MIN) << "no such rate, and no fault";

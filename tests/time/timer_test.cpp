@@ -40,25 +40,22 @@ TEST(CounterScale, MicrosecondsRoundAndStopAt32BitsWhereTheyMustBeCorrected)
     EXPECT_EQ(coarse.Microsec(32'768 * 3'000), -1) << "3,000 seconds do not fit";
 }
 
-TEST(MulDiv, RoundsHalvesAwayFromZero)
-{
-    const struct
-    {
-        int number, numerator, denominator, want;
-    } cases[] = {{7, 1, 2, 4},  {-7, 1, 2, -4},      {7, 1, -2, -4},           {5, 1, 3, 2},    {4, 1, 3, 1},
-                 {1, 1, 0, -1}, {1 << 30, 4, 1, -1}, {1 << 30, 4, 8, 1 << 29}, {-1, -1, -1, -1}};
-    for (const auto& c : cases)
-        EXPECT_EQ(MulDiv(c.number, c.numerator, c.denominator), c.want)
-            << c.number << " " << c.numerator << " " << c.denominator;
-}
-
 // In one test, since the clock is chosen once for the process.
 TEST(Timer, CountsOnBothClocks)
 {
     int64_t stamp = 0;
     const int64_t sinceStart = VxDeltaMillisecEx(&stamp);
     EXPECT_EQ(stamp, sinceStart) << "the tick count's own value";
-    EXPECT_EQ(VxGetMicrosecEx(&stamp) % 1000, 0) << "whole milliseconds";
+    const int64_t future = stamp + (int64_t(1) << 40) + 1000; // cut to 32 bits, a second from now
+    EXPECT_GT(VxGetMillisecEx(&future), INT64_C(0xFFFF0000));
+    EXPECT_LE(VxGetMillisecEx(&future), INT64_C(0xFFFFFFFF));
+    int64_t moved = future;
+    const int64_t wrapped = VxDeltaMicrosecEx(&moved);
+    EXPECT_TRUE(wrapped >= 0 && wrapped <= INT64_C(0xFFFFFFFF)) << wrapped;
+    moved = future;
+    EXPECT_LE(VxDeltaMillisecEx(&moved), INT64_C(0xFFFFFFFF));
+    const int64_t later = stamp - 5000;
+    EXPECT_EQ(VxGetMicrosecEx(&later) % 1000, 0) << "whole milliseconds";
 
     vx::TimerEarlyInitialize(0);
     EXPECT_GT(VxGetMillisec(), 0) << "still the tick count, since 0";
@@ -74,6 +71,12 @@ TEST(Timer, CountsOnBothClocks)
     EXPECT_EQ(stamp, kept);
     EXPECT_GE(VxDeltaMillisecEx(&stamp), 20);
     EXPECT_GT(stamp, kept);
+    int64_t raw = stamp;
+    EXPECT_GT(vx::kCounterTimer.raw(&raw), 0);
+    EXPECT_EQ(stamp + vx::kCounterTimer.moveRaw(&raw), raw) << "not scaled";
+    raw = 0;
+    EXPECT_EQ(vx::kTickTimer.moveRaw(&raw), raw);
+    EXPECT_GE(vx::kTickTimer.raw(&raw), 0);
     const int64_t before = VxGetMicrosec();
     vx::TimerEarlyInitialize(4);
     VxTimer_LateInitialize();

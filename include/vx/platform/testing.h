@@ -10,6 +10,9 @@ VX_EXTERN_C_BEGIN
  * 1 is the next one, 0 takes back what was asked for. */
 VX_PLATFORM_API void VxPlatform_FailAllocationAt(uint32_t n);
 
+/* The n-th and all behind it fail, until either function takes that back. */
+VX_PLATFORM_API void VxPlatform_FailAllocationsFrom(uint32_t n);
+
 VX_EXTERN_C_END
 
 #endif
