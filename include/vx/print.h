@@ -38,13 +38,15 @@
 
 #include <stdarg.h>
 
-#define VX_E_BUFFERTOSMALL ((HRESULT)0x8004E03Cu)       /* a grouped number or an unknown token did not fit */
+/* A grouped number or an unknown token did not fit, or a number has no form for a person. */
+#define VX_E_BUFFERTOSMALL ((HRESULT)0x8004E03Cu)
 #define VX_E_INSUFFICIENT_BUFFER ((HRESULT)0x8007007Au) /* another conversion did not fit */
 
 VX_EXTERN_C_BEGIN
 
 /* Composes into a buffer that has room for the whole text; a single %s or %c writes at most 1024
- * characters, any other conversion at most 783. Returns the length. VxVPrintF uses the argument list up, as vprintf does. */
+ * characters, any other conversion at most 783 before grouping, which may add one separator for every
+ * two of them. Returns the length. VxVPrintF uses the argument list up, as vprintf does. */
 VX_EXPORT uint32_t VxPrintF(char16_t* text, const char16_t* format, ...);
 VX_EXPORT uint32_t VxVPrintF(char16_t* text, const char16_t* format, va_list arguments);
 

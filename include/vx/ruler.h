@@ -62,8 +62,9 @@ VX_EXTERN_C_BEGIN
 
 /* ---- Nano time to text
  *
- *   text      room for the whole text (64 characters serve every format); the N forms: that capacity,
- *             terminator included, which is never exceeded
+ *   text      room for the whole text: 64 characters, more only where rates far from those of sound
+ *             and pictures make long numbers; the N forms: that capacity, terminator included, which is
+ *             never exceeded
  *   nanos     the time; the most negative one shows one unit short
  *   pattern   the Format forms: a format of the print engine for the values of the record's format, in
  *             the order and of the types that the library's own use ("%02u$:%02u$:%02u$*%03u" for
@@ -84,7 +85,7 @@ VX_EXPORT int32_t VxNanoTimeToTextFormatN(char16_t* text, uint32_t capacity, con
 /* ---- Nano time and clock fields
  *
  * Labels of format 1 to 6 convert as in smpte.h and the rate plays no part; with any other format the
- * fields are hours (modulo 24), minutes, seconds and frames at that rate, rounded to the nearest
+ * fields of a time of 0 or above are hours (modulo 24), minutes, seconds and frames at that rate, rounded to the nearest
  * frame; a rate of 0.01 or below truncates. */
 VX_EXPORT void VxNanoTimeToHMSF(int64_t nanos, _smpteval* label, double rate);
 VX_EXPORT int64_t VxHMSFToNanoTime(const _smpteval* label, double rate);
@@ -97,7 +98,8 @@ VX_EXPORT int64_t VxHMSFToNanoTime(const _smpteval* label, double rate);
  *   defaultValue  stands for a text that is empty or white space, without a sign; with VXPOS_LIMITS
  *                 also for text that is no number
  * The result is the value read plus the ruler offset (not with VXPOS_LENGTH), then with VXPOS_LIMITS
- * raised to the minimum, then lowered to the maximum. Numbers are held between -2^62 and 2^61.
+ * raised to the minimum, then lowered to the maximum. Samples, seconds and frames are held to times
+ * between -2^62 and 2^61.
  * The first form has no default and no limits; the Ex form has the flag VXPOS_LIMITS set. */
 VX_EXPORT int64_t VxTextToNanoTimeToken(const char16_t* text, const _vxposfmt* format, int32_t shortForm,
                                         const char16_t** outEnd);

@@ -162,7 +162,7 @@ void PrintTime(Output& out, const char16_t* pattern, int64_t t, const _vxposfmt&
     case VXPOSFMT_MEASURES_ZERO:
         return PrintMeasures(out, pattern, t, format, flags);
     case VXPOSFMT_MICROS:
-        return out.Print(pattern, int64_t(uint64_t(t) + 5) / 10);
+        return out.Print(pattern, t / 10 + (t % 10 >= 5));
     case VXPOSFMT_BEATS: {
         const double beats = double(t) * format.beatsPerMinute / 60.0 * kSecondsPerNanoUnit;
         return PrintDouble(out, pattern, beats, Truncated(beats));
