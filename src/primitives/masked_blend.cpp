@@ -5,6 +5,7 @@
 #include <hwy/highway.h>
 
 #include "primitives/arithmetic-inl.h"
+#include "primitives/row_loops-inl.h"
 
 #ifndef VX_MASKED_BLEND_PLAIN
 #define VX_MASKED_BLEND_PLAIN
@@ -68,18 +69,14 @@ namespace {
 void MaskedBlendRowVector(uint8_t* dst, const uint8_t* mask, const uint8_t* src, int32_t width)
 {
     const hn::ScalableTag<uint8_t> bytes;
-    const int64_t step = int64_t(hn::Lanes(bytes)) / 4;
     const auto toAlpha = ChannelIndexes(bytes, 3);
     const auto isAlpha = AlphaLanes(bytes);
-    int64_t x = 0;
-    for (; x + step <= width; x += step) {
-        const auto d = hn::LoadU(bytes, dst + 4 * x);
-        const auto s = hn::LoadU(bytes, src + 4 * x);
-        const auto mixed = MixBytesVector(bytes, d, s, hn::LoadU(bytes, mask + 4 * x));
-        const auto capped = hn::Min(mixed, hn::TableLookupBytes(d, toAlpha));
-        hn::StoreU(hn::IfThenElse(isAlpha, d, capped), bytes, dst + 4 * x);
-    }
-    MaskedBlendRow(dst + 4 * x, mask + 4 * x, src + 4 * x, int32_t(width - x));
+    const auto blend = [=](auto d, auto w, auto s) HWY_ATTR {
+        const auto capped = hn::Min(MixBytesVector(bytes, d, s, w), hn::TableLookupBytes(d, toAlpha));
+        return hn::IfThenElse(isAlpha, d, capped);
+    };
+    const int64_t done = ReplaceVectors(bytes, dst, 4 * int64_t(width), blend, mask, src);
+    MaskedBlendRow(dst + done, mask + done, src + done, width - int32_t(done / 4));
 }
 
 } // namespace
