@@ -12,6 +12,7 @@
 #define VX_PRIMITIVES_ARITHMETIC_INL_H
 #endif
 
+#include "primitives/row_loops-inl.h"
 #include "primitives/weights.h"
 
 #include <hwy/highway.h>
@@ -71,7 +72,7 @@ HWY_INLINE hn::Vec<D> OnWords(D bytes, const Op& op, V... v)
 template <class D, class Op, class... V>
 HWY_INLINE hn::Vec<D> OnLongs(D bytes, const Op& op, V... v)
 {
-    const auto onWords = [&op](auto... words) HWY_ATTR {
+    const auto onWords = [&op](auto... words) VX_LANES {
         return OnHalves(hn::Repartition<uint16_t, D>(), op, Split<int32_t>(words)...);
     };
     return OnWords(bytes, onWords, v...);
@@ -122,6 +123,14 @@ HWY_INLINE hn::Vec<D> PackPairs(D bytes, V lower, V upper)
 #endif
 }
 
+// The same from four vectors of 32-bit lanes: a block of the result holds four bytes of each.
+template <class D, class V>
+HWY_INLINE hn::Vec<D> PackLongs(D bytes, V v0, V v1, V v2, V v3)
+{
+    const hn::Repartition<int16_t, D> words;
+    return PackPairs(bytes, hn::ReorderDemote2To(words, v0, v1), hn::ReorderDemote2To(words, v2, v3));
+}
+
 // Applies op to pairs of the bytes of low and high, as signed 16-bit lanes; it returns 0 to 255.
 template <class D, class Op>
 HWY_INLINE hn::Vec<D> OnPairs(D bytes, hn::Vec<D> low, hn::Vec<D> high, const Op& op)
@@ -155,7 +164,7 @@ HWY_INLINE hn::Vec<D> MixBytesVector(D bytes, hn::Vec<D> d, hn::Vec<D> s, hn::Ve
     const hn::Repartition<uint16_t, D> numbers;
     const auto rest = hn::Not(w), half = hn::Set(bytes, 0x80);
     const auto s8 = hn::Xor(s, half), d8 = hn::Xor(d, half);
-    const auto mix = [=](auto weights, auto values) HWY_ATTR {
+    const auto mix = [=](auto weights, auto values) VX_LANES {
         const auto sum = SumOfPair(hn::BitCast(words, weights), hn::BitCast(words, values));
         return DivideBy255(hn::BitCast(numbers, sum), 128 * 255);
     };

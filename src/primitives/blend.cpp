@@ -68,11 +68,11 @@ void BlendRowUsual(uint8_t* dst, const uint8_t* src, int32_t width, BlendWeights
     const auto high = hn::IfThenElse(isAlpha, hn::Set(words, 64),
                                      hn::Set(words, int16_t((w.dst >> 6) | (w.src >> 6) << 8)));
     const auto low = hn::IfThenZeroElse(isAlpha, hn::Set(words, int16_t((w.dst & 63) | (w.src & 63) << 8)));
-    const auto mean = [=](auto pair) HWY_ATTR {
+    const auto mean = [=](auto pair) VX_LANES {
         const auto sum = hn::Add(SumOfPair(pair, high), hn::ShiftRight<6>(SumOfPair(pair, low)));
         return hn::MulFixedPoint15(sum, hn::Set(words, 512));
     };
-    const auto blend = [=](auto d, auto s) HWY_ATTR {
+    const auto blend = [=](auto d, auto s) VX_LANES {
         return hn::Min(OnPairs(bytes, d, s, mean), hn::TableLookupBytes(d, toAlpha));
     };
     const int64_t done = ReplaceVectors(bytes, dst, 4 * int64_t(width), blend, src);
@@ -86,13 +86,13 @@ void BlendRowAny(uint8_t* dst, const uint8_t* src, int32_t width, BlendWeights w
     const hn::Repartition<int32_t, decltype(bytes)> longs;
     const auto toAlpha = ChannelIndexes(bytes, 3);
     const auto isAlpha = AlphaLanes(bytes);
-    const auto mean = [=](auto d, auto s, auto alpha) HWY_ATTR {
+    const auto mean = [=](auto d, auto s, auto alpha) VX_LANES {
         const auto ofDst = hn::Mul(d, hn::Set(longs, int32_t(w.dst)));
         const auto ofSrc = hn::Mul(s, hn::Set(longs, int32_t(w.src)));
         const auto sum = hn::Add(hn::Add(ofDst, ofSrc), hn::Set(longs, int32_t(kHalf)));
         return hn::Clamp(hn::ShiftRight<12>(sum), hn::Zero(longs), alpha);
     };
-    const auto blend = [=](auto d, auto s) HWY_ATTR {
+    const auto blend = [=](auto d, auto s) VX_LANES {
         return hn::IfThenElse(isAlpha, d, OnLongs(bytes, mean, d, s, hn::TableLookupBytes(d, toAlpha)));
     };
     const int64_t done = ReplaceVectors(bytes, dst, 4 * int64_t(width), blend, src);

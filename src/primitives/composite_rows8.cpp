@@ -123,13 +123,13 @@ using WordVec = hn::Vec<Words>;
 HWY_INLINE ByteVec ProductWithAlpha(ByteVec channels, ByteVec alphaOf)
 {
     const auto alpha = SpreadHalves(hn::TableLookupBytes(alphaOf, ChannelIndexes(Bytes(), 3)));
-    const auto multiply = [](auto c, auto a) HWY_ATTR { return MultiplyBytesVector(c, a); };
+    const auto multiply = [](auto c, auto a) VX_LANES { return MultiplyBytesVector(c, a); };
     return OnHalves(Bytes(), multiply, Split<uint16_t>(channels), alpha);
 }
 
 HWY_INLINE ByteVec FlooredProduct(ByteVec a, ByteVec b)
 {
-    const auto multiply = [](auto x, auto y) HWY_ATTR { return DivideBy255(hn::Mul(x, y), 0); };
+    const auto multiply = [](auto x, auto y) VX_LANES { return DivideBy255(hn::Mul(x, y), 0); };
     return OnWords(Bytes(), multiply, a, b);
 }
 
@@ -217,7 +217,7 @@ constexpr uint32_t kLowUpTo = 127;
 HWY_INLINE ByteVec PartOf(const Change& c, uint32_t o)
 {
     const hn::RebindToSigned<Words> numbers;
-    const auto part = [=](auto pair) HWY_ATTR {
+    const auto part = [=](auto pair) VX_LANES {
         const auto product = SumOfPair(pair, hn::Set(numbers, int16_t(o | (256 - o) << 8)));
         return hn::BitCast(numbers, DivideBy255(hn::BitCast(Words(), product), uint16_t(255 * o)));
     };
@@ -240,7 +240,7 @@ template <int32_t mode, Strength strength>
 void CompositeRowVector(uint8_t* dst, const uint8_t* src, int32_t width, uint32_t opacity)
 {
     const auto composite = [=](auto d, auto s)
-                               HWY_ATTR { return AtStrength<strength>(ChangeOf<mode>(d, s), opacity); };
+                               VX_LANES { return AtStrength<strength>(ChangeOf<mode>(d, s), opacity); };
     const int64_t done = ReplaceVectors(Bytes(), dst, 4 * int64_t(width), composite, src);
     CompositeRow<mode, strength == Strength::Full>(dst + done, src + done, width - int32_t(done / 4),
                                                    opacity);

@@ -149,7 +149,7 @@ template <int32_t mode, bool full>
 void CompositeRowVector(uint8_t* dst, const uint8_t* src, int32_t width, float opacity)
 {
     const auto strength = hn::Set(Floats(), opacity), rest = hn::Set(Floats(), 1.0f - opacity);
-    const auto composite = [=](auto d, auto s) HWY_ATTR {
+    const auto composite = [=](auto d, auto s) VX_LANES {
         const auto mixed = MixedPixels<mode>(d, s);
         return full ? mixed : hn::Add(hn::Mul(mixed, strength), hn::Mul(rest, BaseIsSource(mode) ? s : d));
     };

@@ -126,11 +126,11 @@ HWY_INLINE int64_t MaskMultiplyLanes(uint8_t* dst, const uint8_t* mask, int32_t 
     const hn::ScalableTag<uint8_t> bytes;
     const int64_t count = 4 * int64_t(width);
     const auto own = [=](auto d, auto w)
-                         HWY_ATTR { return OnHalves(bytes, op, Split<uint16_t>(d), Split<uint16_t>(w)); };
+                         VX_LANES { return OnHalves(bytes, op, Split<uint16_t>(d), Split<uint16_t>(w)); };
     if (channel < 0)
         return ReplaceVectors(bytes, dst, count, own, mask);
     const auto toChannel = ChannelIndexes(bytes, channel);
-    const auto byChannel = [=](auto d, auto w) HWY_ATTR {
+    const auto byChannel = [=](auto d, auto w) VX_LANES {
         return OnHalves(bytes, op, Split<uint16_t>(d), SpreadHalves(hn::TableLookupBytes(w, toChannel)));
     };
     return ReplaceVectors(bytes, dst, count, byChannel, mask);
@@ -139,7 +139,7 @@ HWY_INLINE int64_t MaskMultiplyLanes(uint8_t* dst, const uint8_t* mask, int32_t 
 void MaskMultiplyRowVector(uint8_t* dst, const uint8_t* mask, int32_t width, int32_t channel,
                            ScaleOffset weight)
 {
-    const auto multiply = [](auto d, auto w) HWY_ATTR { return MultiplyBytesVector(d, w); };
+    const auto multiply = [](auto d, auto w) VX_LANES { return MultiplyBytesVector(d, w); };
     const int64_t done = MaskMultiplyLanes(dst, mask, width, channel, multiply);
     MaskMultiplyRow(dst + done, mask + done, width - int32_t(done / 4), channel, weight);
 }
@@ -148,13 +148,13 @@ void MaskMultiplyScaledRowVector(uint8_t* dst, const uint8_t* mask, int32_t widt
                                  ScaleOffset weight)
 {
     const UnitWeight unit = UnitWeightOf(weight);
-    const auto multiplyUnit = [=](auto d, auto w) HWY_ATTR {
+    const auto multiplyUnit = [=](auto d, auto w) VX_LANES {
         const auto flip = hn::Set(hn::DFromV<decltype(w)>(), unit.flip);
         return MultiplyUnit(d, hn::Xor(w, flip), unit);
     };
-    const auto multiplyAny = [=](auto d, auto w) HWY_ATTR {
+    const auto multiplyAny = [=](auto d, auto w) VX_LANES {
         const auto scaled = [=](auto d32, auto w32)
-                                HWY_ATTR { return MultiplyScaledVector(d32, w32, weight); };
+                                VX_LANES { return MultiplyScaledVector(d32, w32, weight); };
         return OnHalves(hn::DFromV<decltype(d)>(), scaled, Split<int32_t>(d), Split<int32_t>(w));
     };
     const int64_t done = IsUnit(weight) ? MaskMultiplyLanes(dst, mask, width, channel, multiplyUnit)

@@ -71,7 +71,7 @@ void MaskedBlendRowVector(uint8_t* dst, const uint8_t* mask, const uint8_t* src,
     const hn::ScalableTag<uint8_t> bytes;
     const auto toAlpha = ChannelIndexes(bytes, 3);
     const auto isAlpha = AlphaLanes(bytes);
-    const auto blend = [=](auto d, auto w, auto s) HWY_ATTR {
+    const auto blend = [=](auto d, auto w, auto s) VX_LANES {
         const auto capped = hn::Min(MixBytesVector(bytes, d, s, w), hn::TableLookupBytes(d, toAlpha));
         return hn::IfThenElse(isAlpha, d, capped);
     };

@@ -67,7 +67,7 @@ void MaskedFadeRowVector(uint8_t* dst, const uint8_t* src, const uint8_t* mask, 
 {
     const hn::ScalableTag<uint8_t> bytes;
     const auto toAlpha = ChannelIndexes(bytes, 3);
-    const auto fade = [=](auto d, auto s, auto w) HWY_ATTR {
+    const auto fade = [=](auto d, auto s, auto w) VX_LANES {
         const auto mixed = MixBytesVector(bytes, d, s, w);
         return hn::Min(mixed, hn::TableLookupBytes(mixed, toAlpha));
     };

@@ -79,18 +79,19 @@ namespace vx {
 namespace HWY_NAMESPACE {
 namespace {
 
+constexpr uint32_t kOne = 256;
 // Factors from 0 up to which 255 k + 127 is no negative number in 32 bits.
 constexpr uint32_t kLargest = (0x7FFFFFFF - 127) / 255;
 
-// Of a product that is not negative only bits 8 to 15 are stored: 16-bit lanes may wrap.
-template <class D>
-HWY_INLINE hn::Vec<D> MultiplyByLow(D bytes, hn::Vec<D> c, uint32_t k)
+// Of a product that is not negative only bits 8 to 15 are stored: 16-bit lanes may wrap. The factors are
+// those of the even and the odd bytes.
+template <class D, class V>
+HWY_INLINE hn::Vec<D> MultiplyLow(D bytes, hn::Vec<D> c, Halves<V> factor)
 {
-    const hn::Repartition<uint16_t, D> words;
-    const auto factor = hn::Set(words, uint16_t(k)), half = hn::Set(words, 127);
+    const auto half = hn::Set(hn::DFromV<V>(), 127);
     const auto c16 = Split<uint16_t>(c);
-    const auto even = hn::Add(hn::Mul(c16.even, factor), half);
-    const auto odd = hn::Add(hn::Mul(c16.odd, factor), half);
+    const auto even = hn::Add(hn::Mul(c16.even, factor.even), half);
+    const auto odd = hn::Add(hn::Mul(c16.odd, factor.odd), half);
     return hn::OddEven(hn::BitCast(bytes, odd), hn::BitCast(bytes, hn::ShiftRight<8>(even)));
 }
 
@@ -100,7 +101,7 @@ template <class D, class Op>
 HWY_INLINE hn::Vec<D> MultiplyAny(D bytes, hn::Vec<D> c, hn::Vec<D> limit, uint32_t k, const Op& op)
 {
     const hn::Repartition<int32_t, D> longs;
-    const auto multiply = [=](auto c32, auto limit32) HWY_ATTR {
+    const auto multiply = [=](auto c32, auto limit32) VX_LANES {
         const auto product = hn::Add(hn::Mul(c32, hn::Set(longs, int32_t(k))), hn::Set(longs, 127));
         const auto upward = hn::And(hn::BroadcastSignBit(product), hn::Set(longs, 255));
         const auto quotient = hn::ShiftRight<8>(hn::Add(product, upward));
@@ -112,35 +113,47 @@ HWY_INLINE hn::Vec<D> MultiplyAny(D bytes, hn::Vec<D> c, hn::Vec<D> limit, uint3
 void MultiplyRowVector(uint8_t* row, int32_t width, MultiplyWeights w)
 {
     const hn::ScalableTag<uint8_t> bytes;
-    const auto uncapped = [](auto quotient, auto) HWY_ATTR { return quotient; };
-    const auto multiply = [=](auto c) HWY_ATTR { return MultiplyByLow(bytes, c, w.fixed); };
-    const auto multiplyAny = [=](auto c) HWY_ATTR { return MultiplyAny(bytes, c, c, w.fixed, uncapped); };
+    const auto uncapped = [](auto quotient, auto) VX_LANES { return quotient; };
+    const auto factor = hn::Set(hn::Repartition<uint16_t, decltype(bytes)>(), uint16_t(w.fixed));
+    const auto multiply = [=](auto c) VX_LANES {
+        return MultiplyLow(bytes, c, Halves<decltype(factor)>{factor, factor});
+    };
+    const auto multiplyAny = [=](auto c) VX_LANES { return MultiplyAny(bytes, c, c, w.fixed, uncapped); };
     const int64_t count = 4 * int64_t(width);
     const int64_t done = w.fixed <= kLargest ? ReplaceVectors(bytes, row, count, multiply)
                                              : ReplaceVectors(bytes, row, count, multiplyAny);
     MultiplyRow(row + done, width - int32_t(done / 4), w);
 }
 
-// A byte whose product does not fit 16 bits gives more than any alpha: 255 stands for that.
+// A byte whose product does not fit 16 bits gives no less than any alpha. Alphas are multiplied by
+// 256, which leaves them as they are.
 void MultiplyPremultipliedRowVector(uint8_t* row, int32_t width, MultiplyWeights w)
 {
     const hn::ScalableTag<uint8_t> bytes;
+    const hn::Repartition<uint16_t, decltype(bytes)> words;
+    const hn::Repartition<uint32_t, decltype(bytes)> pixels;
     const auto toAlpha = ChannelIndexes(bytes, 3);
     const auto isAlpha = AlphaLanes(bytes);
-    const auto fits = hn::Set(bytes, uint8_t(std::min(255u, (65535u - 127u) / std::max(w.fixed, 1u))));
-    const auto capped = [](auto quotient, auto alpha) HWY_ATTR { return hn::Min(quotient, alpha); };
-    const auto multiply = [=](auto c) HWY_ATTR {
-        const auto product =
-            hn::IfThenElse(hn::Gt(c, fits), hn::Set(bytes, 255), MultiplyByLow(bytes, c, w.fixed));
-        return hn::IfThenElse(isAlpha, c, hn::Min(product, hn::TableLookupBytes(c, toAlpha)));
+    const auto even = hn::Set(words, uint16_t(w.fixed));
+    const auto odd = hn::BitCast(words, hn::Set(pixels, (w.fixed & 0xFFFF) | kOne << 16));
+    const Halves<decltype(even)> factor{even, odd};
+    const auto largest = hn::Set(bytes, uint8_t(std::min(255u, (65535u - 127u) / std::max(w.fixed, 1u))));
+    const auto capped = [](auto quotient, auto alpha) VX_LANES { return hn::Min(quotient, alpha); };
+    const auto multiply = [=](auto c) VX_LANES {
+        return hn::Min(MultiplyLow(bytes, c, factor), hn::TableLookupBytes(c, toAlpha));
     };
-    const auto multiplyAny = [=](auto c) HWY_ATTR {
+    const auto multiplyLarge = [=](auto c) VX_LANES {
+        const auto alpha = hn::TableLookupBytes(c, toAlpha);
+        return hn::IfThenElse(hn::Gt(c, largest), alpha, hn::Min(MultiplyLow(bytes, c, factor), alpha));
+    };
+    const auto multiplyAny = [=](auto c) VX_LANES {
         const auto product = MultiplyAny(bytes, c, hn::TableLookupBytes(c, toAlpha), w.fixed, capped);
         return hn::IfThenElse(isAlpha, c, product);
     };
     const int64_t count = 4 * int64_t(width);
-    const int64_t done = w.fixed <= kLargest ? ReplaceVectors(bytes, row, count, multiply)
-                                             : ReplaceVectors(bytes, row, count, multiplyAny);
+    const int64_t done = w.fixed <= kOne       ? ReplaceVectors(bytes, row, count, multiply)
+                         : w.fixed <= kLargest ? ReplaceVectors(bytes, row, count, multiplyLarge)
+                                               : ReplaceVectors(bytes, row, count, multiplyAny);
     MultiplyPremultipliedRow(row + done, width - int32_t(done / 4), w);
 }
 
@@ -148,7 +161,7 @@ void MultiplyFloatRowVector(uint8_t* row, int32_t width, MultiplyWeights w)
 {
     const hn::ScalableTag<float> floats;
     const auto factor = hn::Set(floats, w.real);
-    const auto multiply = [=](auto c) HWY_ATTR { return hn::Mul(c, factor); };
+    const auto multiply = [=](auto c) VX_LANES { return hn::Mul(c, factor); };
     const int64_t done = ReplaceVectors(floats, row, 16 * int64_t(width), multiply);
     MultiplyFloatRow(row + done, width - int32_t(done / 16), w);
 }
@@ -158,7 +171,7 @@ void MultiplyPremultipliedFloatRowVector(uint8_t* row, int32_t width, MultiplyWe
 {
     const hn::ScalableTag<float> floats;
     const auto factor = hn::IfThenElse(AlphaLanes(floats), hn::Set(floats, 1.0f), hn::Set(floats, w.real));
-    const auto multiply = [=](auto c) HWY_ATTR {
+    const auto multiply = [=](auto c) VX_LANES {
         const auto product = hn::Mul(c, factor), alpha = hn::Broadcast<3>(c);
         return hn::IfThenElse(hn::Gt(alpha, product), product, alpha);
     };
@@ -169,7 +182,7 @@ void MultiplyPremultipliedFloatRowVector(uint8_t* row, int32_t width, MultiplyWe
 void MultiplyMasksRowVector(uint8_t* dst, const uint8_t* src, int32_t width)
 {
     const hn::ScalableTag<float> floats;
-    const auto multiply = [](auto d, auto s) HWY_ATTR { return hn::Mul(d, s); };
+    const auto multiply = [](auto d, auto s) VX_LANES { return hn::Mul(d, s); };
     const int64_t done = ReplaceVectors(floats, dst, 4 * int64_t(width), multiply, src);
     MultiplyMasksRow(dst + done, src + done, width - int32_t(done / 4));
 }

@@ -65,7 +65,7 @@ HWY_INLINE int64_t MultiplyChannelLanes(uint8_t* dst, const uint8_t* src, int32_
     const hn::ScalableTag<int32_t> pixels;
     const auto low = hn::Set(pixels, 0xFF);
     const auto others = hn::Not(hn::ShiftLeftSame(low, 8 * channel.dst));
-    const auto multiply = [=](auto d, auto s) HWY_ATTR {
+    const auto multiply = [=](auto d, auto s) VX_LANES {
         const auto product = op(hn::And(hn::ShiftRightSame(d, 8 * channel.dst), low),
                                 hn::And(hn::ShiftRightSame(s, 8 * channel.src), low));
         return hn::Or(hn::And(d, others), hn::ShiftLeftSame(product, 8 * channel.dst));
@@ -76,7 +76,7 @@ HWY_INLINE int64_t MultiplyChannelLanes(uint8_t* dst, const uint8_t* src, int32_
 void MultiplyChannelRowVector(uint8_t* dst, const uint8_t* src, int32_t width, ChannelPair channel,
                               ScaleOffset weight)
 {
-    const auto multiply = [](auto d, auto w) HWY_ATTR {
+    const auto multiply = [](auto d, auto w) VX_LANES {
         const hn::RepartitionToNarrow<hn::RebindToUnsigned<hn::DFromV<decltype(d)>>> words;
         return hn::BitCast(hn::DFromV<decltype(d)>(),
                            MultiplyBytesVector(hn::BitCast(words, d), hn::BitCast(words, w)));
@@ -88,7 +88,7 @@ void MultiplyChannelRowVector(uint8_t* dst, const uint8_t* src, int32_t width, C
 void MultiplyChannelScaledRowVector(uint8_t* dst, const uint8_t* src, int32_t width, ChannelPair channel,
                                     ScaleOffset weight)
 {
-    const auto multiply = [=](auto d, auto w) HWY_ATTR { return MultiplyScaledVector(d, w, weight); };
+    const auto multiply = [=](auto d, auto w) VX_LANES { return MultiplyScaledVector(d, w, weight); };
     const int64_t done = MultiplyChannelLanes(dst, src, width, channel, multiply);
     MultiplyChannelScaledRow(dst + done, src + done, width - int32_t(done / 4), channel, weight);
 }

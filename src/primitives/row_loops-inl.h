@@ -10,6 +10,11 @@
 
 #include <hwy/highway.h>
 
+// Marks a lambda that works on vectors: compiled for the target, and part of the loop that it is for.
+#ifndef VX_LANES
+#define VX_LANES HWY_ATTR __attribute__((always_inline))
+#endif
+
 HWY_BEFORE_NAMESPACE();
 namespace vx {
 namespace HWY_NAMESPACE {
