@@ -95,17 +95,16 @@ CompositeRow8 PlainRow(int32_t mode, uint32_t opacity)
 
 #endif // VX_COMPOSITE8_PLAIN
 
-// The vector form keeps to bytes and 16-bit lanes. The two values of 17 bits that the formulas hold
-// are avoided by identities of whole numbers:
+// The vector form keeps to bytes and 16-bit lanes. The modes whose R is a byte mix it with the base as
+// bytes are mixed. Over, of which R may exceed a byte, gets by with identities of whole numbers:
 //
-// Over. p = round(b ta / 255) has no ties, as 255 is odd, so ((255 - ta) b + 127) / 255 = b - p, and
-// as 255 t divides evenly, Over(b, t, ta) = b + t - p. A change from p to t, therefore, put upon b.
-// The other modes are changes from the base to R. So R = base + to - from, of three bytes.
+// p = round(b ta / 255) has no ties, as 255 is odd, so ((255 - ta) b + 127) / 255 = b - p, and as 255 t
+// divides evenly, Over(b, t, ta) = b + t - p. A change from p to t, therefore, put upon b.
 //
-// Partial strength. (R o + base (255 - o)) / 255 = base + floor(o (to - from) / 255), and that is
-// base - o + q with q = (255 o + o (to - from)) / 255, of numbers that are not negative. Up to o = 127
-// the product fits a signed lane, the sum an unsigned one, and q is at most 2 o, a byte. Larger
-// opacities go from R to the base by 255 - o, which is the same sum.
+// Partial strength. (R o + b (255 - o)) / 255 = b + floor(o (t - p) / 255), and that is b - o + q with
+// q = (255 o + o (t - p)) / 255, of numbers that are not negative. Up to o = 127 the product fits a
+// signed lane, the sum an unsigned one, and q is at most 2 o, a byte. Larger opacities go from R to b by
+// 255 - o, which is the same sum.
 //
 // Sums and results are kept to their low 8 bits; so are they in the plain form at its end.
 HWY_BEFORE_NAMESPACE();
@@ -182,29 +181,7 @@ HWY_INLINE ByteVec MixedOf(ByteVec d, ByteVec s)
     }
 }
 
-// R is base + to - from, each of them a byte.
-struct Change
-{
-    ByteVec base, from, to;
-};
-
-HWY_INLINE ByteVec Result(const Change& c)
-{
-    return hn::Add(c.base, hn::Sub(c.to, c.from));
-}
-
-template <int32_t mode>
-HWY_INLINE Change ChangeOf(ByteVec d, ByteVec s)
-{
-    if constexpr (mode == VX_COMPOSITE_SOURCE_OVER)
-        return {d, ProductWithAlpha(d, s), s};
-    else if constexpr (mode == VX_COMPOSITE_DESTINATION_OVER)
-        return {s, ProductWithAlpha(s, d), d};
-    else
-        return {d, d, MixedOf<mode>(d, s)};
-}
-
-// How far the change goes. `Low` is up to half of it.
+// How far a mode goes. `Low` is up to half of it.
 enum class Strength
 {
     Full,
@@ -213,34 +190,51 @@ enum class Strength
 };
 constexpr uint32_t kLowUpTo = 127;
 
-// The change by o / 255 of its length; o is low.
-HWY_INLINE ByteVec PartOf(const Change& c, uint32_t o)
+// b moved by o / 255 of the way from p to t; o is low.
+HWY_INLINE ByteVec MovedBy(ByteVec b, ByteVec p, ByteVec t, uint32_t o)
 {
     const hn::RebindToSigned<Words> numbers;
     const auto part = [=](auto pair) VX_LANES {
         const auto product = SumOfPair(pair, hn::Set(numbers, int16_t(o | (256 - o) << 8)));
         return hn::BitCast(numbers, DivideBy255(hn::BitCast(Words(), product), uint16_t(255 * o)));
     };
-    const auto q = OnPairs(Bytes(), c.to, c.from, part);
-    return hn::Add(hn::Sub(c.base, hn::Set(Bytes(), uint8_t(o))), q);
+    const auto q = OnPairs(Bytes(), t, p, part);
+    return hn::Add(hn::Sub(b, hn::Set(Bytes(), uint8_t(o))), q);
 }
 
+// t, whose alphas are its own, over b.
 template <Strength strength>
-HWY_INLINE ByteVec AtStrength(const Change& c, uint32_t opacity)
+HWY_INLINE ByteVec OverAtStrength(ByteVec b, ByteVec t, uint32_t opacity)
 {
-    if constexpr (strength == Strength::Full)
-        return Result(c);
-    else if constexpr (strength == Strength::Low)
-        return PartOf(c, opacity);
+    const auto p = ProductWithAlpha(b, t);
+    if constexpr (strength == Strength::Low)
+        return MovedBy(b, p, t, opacity);
+    const auto result = hn::Add(b, hn::Sub(t, p));
+    return strength == Strength::Full ? result : MovedBy(result, t, p, 255 - opacity);
+}
+
+constexpr bool IsOver(int32_t mode)
+{
+    return mode == VX_COMPOSITE_SOURCE_OVER || mode == VX_COMPOSITE_DESTINATION_OVER;
+}
+
+template <int32_t mode, Strength strength>
+HWY_INLINE ByteVec AtStrength(ByteVec d, ByteVec s, uint32_t opacity)
+{
+    if constexpr (mode == VX_COMPOSITE_SOURCE_OVER)
+        return OverAtStrength<strength>(d, s, opacity);
+    else if constexpr (mode == VX_COMPOSITE_DESTINATION_OVER)
+        return OverAtStrength<strength>(s, d, opacity);
+    else if constexpr (strength == Strength::Full)
+        return MixedOf<mode>(d, s);
     else
-        return PartOf({Result(c), c.to, c.from}, 255 - opacity);
+        return MixBytesVector(Bytes(), d, MixedOf<mode>(d, s), hn::Set(Bytes(), uint8_t(opacity)));
 }
 
 template <int32_t mode, Strength strength>
 void CompositeRowVector(uint8_t* dst, const uint8_t* src, int32_t width, uint32_t opacity)
 {
-    const auto composite = [=](auto d, auto s)
-                               VX_LANES { return AtStrength<strength>(ChangeOf<mode>(d, s), opacity); };
+    const auto composite = [=](auto d, auto s) VX_LANES { return AtStrength<mode, strength>(d, s, opacity); };
     const int64_t done = ReplaceVectors(Bytes(), dst, 4 * int64_t(width), composite, src);
     CompositeRow<mode, strength == Strength::Full>(dst + done, src + done, width - int32_t(done / 4),
                                                    opacity);
@@ -254,9 +248,9 @@ struct VectorRows8
 template <int32_t mode>
 struct VectorRows
 {
-    static constexpr VectorRows8 kRows{CompositeRowVector<mode, Strength::Full>,
-                                       CompositeRowVector<mode, Strength::High>,
-                                       CompositeRowVector<mode, Strength::Low>};
+    static constexpr VectorRows8 kRows{
+        CompositeRowVector<mode, Strength::Full>, CompositeRowVector<mode, Strength::High>,
+        CompositeRowVector<mode, IsOver(mode) ? Strength::Low : Strength::High>};
 };
 
 CompositeRow8 VectorRow(int32_t mode, uint32_t opacity)
