@@ -202,12 +202,21 @@ HWY_INLINE hn::Vec<D> ChannelIndexes(D bytes, int32_t channel)
     return hn::Or(pixel, hn::Set(bytes, uint8_t(channel)));
 }
 
-// Halves of a vector whose channels are all alike within a pixel.
-template <class V>
-HWY_INLINE auto SpreadHalves(V spread)
+// Indexes for SpreadChannel: in words, whose upper bytes become 0.
+template <class D>
+HWY_INLINE hn::Vec<D> ChannelWordIndexes(D bytes, int32_t channel)
 {
-    const auto even = Split<uint16_t>(spread).even;
-    return Halves<decltype(even)>{even, even};
+    const hn::Repartition<uint16_t, D> words;
+    return hn::Or(ChannelIndexes(bytes, channel), hn::BitCast(bytes, hn::Set(words, 0x8000)));
+}
+
+// The halves of v with each channel replaced by one of its pixel: they are the same.
+template <class V>
+HWY_INLINE auto SpreadChannel(V v, V wordIndexes)
+{
+    const hn::Repartition<uint16_t, hn::DFromV<V>> words;
+    const auto spread = hn::BitCast(words, hn::TableLookupBytesOr0(v, wordIndexes));
+    return Halves<hn::Vec<decltype(words)>>{spread, spread};
 }
 
 // The lanes of the alpha channel, where a pixel is four lanes.

@@ -101,10 +101,13 @@ CompositeRow8 PlainRow(int32_t mode, uint32_t opacity)
 // p = round(b ta / 255) has no ties, as 255 is odd, so ((255 - ta) b + 127) / 255 = b - p, and as 255 t
 // divides evenly, Over(b, t, ta) = b + t - p. A change from p to t, therefore, put upon b.
 //
-// Partial strength. (R o + b (255 - o)) / 255 = b + floor(o (t - p) / 255), and that is b - o + q with
-// q = (255 o + o (t - p)) / 255, of numbers that are not negative. Up to o = 127 the product fits a
-// signed lane, the sum an unsigned one, and q is at most 2 o, a byte. Larger opacities go from R to b by
-// 255 - o, which is the same sum.
+// Partial strength. (R o + b (255 - o)) / 255 = b + floor(o (t - p) / 255). With m = 255 + t - p, 0 to
+// 510, that is b - o + q, q = floor(o m / 255), and
+//     q = m (257 o + 1) >> 16    for o = 0 and for 127 <= o <= 254:
+// with o m = 255 q + r the product is 65536 q + (257 r + m - q), and what stands in brackets is not
+// negative, as q <= m, and below 65536, as r <= 254 and m - q = (m (255 - o) + r) / 255 < 257. For
+// o = 0 the product is m. Opacities 1 to 126 would break that bound: they go from R to b by 255 - o,
+// which is the same sum.
 //
 // Sums and results are kept to their low 8 bits; so are they in the plain form at its end.
 HWY_BEFORE_NAMESPACE();
@@ -121,7 +124,7 @@ using WordVec = hn::Vec<Words>;
 // Each channel times an alpha of its pixel, rounded.
 HWY_INLINE ByteVec ProductWithAlpha(ByteVec channels, ByteVec alphaOf)
 {
-    const auto alpha = SpreadHalves(hn::TableLookupBytes(alphaOf, ChannelIndexes(Bytes(), 3)));
+    const auto alpha = SpreadChannel(alphaOf, ChannelWordIndexes(Bytes(), 3));
     const auto multiply = [](auto c, auto a) VX_LANES { return MultiplyBytesVector(c, a); };
     return OnHalves(Bytes(), multiply, Split<uint16_t>(channels), alpha);
 }
@@ -181,25 +184,23 @@ HWY_INLINE ByteVec MixedOf(ByteVec d, ByteVec s)
     }
 }
 
-// How far a mode goes. `Low` is up to half of it.
+// How far a mode goes. `High` is opacity 0 and 127 to 254, `Low` 1 to 126.
 enum class Strength
 {
     Full,
     High,
     Low,
 };
-constexpr uint32_t kLowUpTo = 127;
 
-// b moved by o / 255 of the way from p to t; o is low.
+// b moved by o / 255 of the way from p to t; o is high.
 HWY_INLINE ByteVec MovedBy(ByteVec b, ByteVec p, ByteVec t, uint32_t o)
 {
-    const hn::RebindToSigned<Words> numbers;
-    const auto part = [=](auto pair) VX_LANES {
-        const auto product = SumOfPair(pair, hn::Set(numbers, int16_t(o | (256 - o) << 8)));
-        return hn::BitCast(numbers, DivideBy255(hn::BitCast(Words(), product), uint16_t(255 * o)));
+    const Words words;
+    const auto factor = hn::Set(words, uint16_t(257 * o + 1)), lowByte = hn::Set(words, 0xFF);
+    const auto part = [=](auto to, auto fromBelow255) VX_LANES {
+        return hn::And(hn::MulHigh(hn::Add(to, fromBelow255), factor), lowByte);
     };
-    const auto q = OnPairs(Bytes(), t, p, part);
-    return hn::Add(hn::Sub(b, hn::Set(Bytes(), uint8_t(o))), q);
+    return hn::Add(hn::Sub(b, hn::Set(Bytes(), uint8_t(o))), OnWords(Bytes(), part, t, hn::Not(p)));
 }
 
 // t, whose alphas are its own, over b.
@@ -207,7 +208,7 @@ template <Strength strength>
 HWY_INLINE ByteVec OverAtStrength(ByteVec b, ByteVec t, uint32_t opacity)
 {
     const auto p = ProductWithAlpha(b, t);
-    if constexpr (strength == Strength::Low)
+    if constexpr (strength == Strength::High)
         return MovedBy(b, p, t, opacity);
     const auto result = hn::Add(b, hn::Sub(t, p));
     return strength == Strength::Full ? result : MovedBy(result, t, p, 255 - opacity);
@@ -259,7 +260,7 @@ CompositeRow8 VectorRow(int32_t mode, uint32_t opacity)
     const VectorRows8& rows = kTable[size_t(mode - VX_COMPOSITE_SOURCE_OVER)];
     if (opacity == kFullOpacity)
         return rows.full;
-    return opacity > kLowUpTo ? rows.high : rows.low;
+    return opacity == 0 || opacity >= 127 ? rows.high : rows.low;
 }
 
 } // namespace

@@ -129,9 +129,9 @@ HWY_INLINE int64_t MaskMultiplyLanes(uint8_t* dst, const uint8_t* mask, int32_t 
                          VX_LANES { return OnHalves(bytes, op, Split<uint16_t>(d), Split<uint16_t>(w)); };
     if (channel < 0)
         return ReplaceVectors(bytes, dst, count, own, mask);
-    const auto toChannel = ChannelIndexes(bytes, channel);
+    const auto toChannel = ChannelWordIndexes(bytes, channel);
     const auto byChannel = [=](auto d, auto w) VX_LANES {
-        return OnHalves(bytes, op, Split<uint16_t>(d), SpreadHalves(hn::TableLookupBytes(w, toChannel)));
+        return OnHalves(bytes, op, Split<uint16_t>(d), SpreadChannel(w, toChannel));
     };
     return ReplaceVectors(bytes, dst, count, byChannel, mask);
 }
