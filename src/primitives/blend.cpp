@@ -124,7 +124,7 @@ bool Blend(void* dst, int32_t dstStride, const void* src, int32_t srcStride, int
     using namespace vx;
     if (IsEmpty(width, height))
         return true;
-    const BlendWeights weights{TruncatedWeight(factor * 4096.0), TruncatedWeight((1.0 - factor) * 4096.0)};
+    const BlendWeights weights{Truncated32(factor * 4096.0), Truncated32((1.0 - factor) * 4096.0)};
     const auto row = VX_VECTOR_FORM(BlendRowVector, BlendRow);
     for (int32_t y = 0; y < height; ++y)
         row(RowAt(dst, dstStride, y), RowAt(src, srcStride, y), width, weights);

@@ -174,12 +174,11 @@ void MaskMultiplyFloatRowVector(uint8_t* dst, const uint8_t* mask, int32_t width
     const auto offset = hn::Set(floats, weight.offset);
     int64_t x = 0;
     for (; x + step <= width; x += step) {
-        float* const at = reinterpret_cast<float*>(dst + 16 * x);
-        const auto d = hn::LoadU(floats, at);
+        const auto d = LoadOnce(floats, dst + 16 * x);
         const auto maskBytes = hn::TableLookupBytes(hn::LoadU(bytes, mask + 4 * x), toChannel);
         const auto w = hn::ConvertTo(floats, hn::PromoteTo(numbers, maskBytes));
         const auto product = channel < 0 ? hn::Mul(hn::Mul(w, d), scale) : hn::Mul(hn::Mul(w, scale), d);
-        hn::StoreU(hn::Add(product, offset), floats, at);
+        StoreBytes(hn::Add(product, offset), dst + 16 * x);
     }
     MaskMultiplyFloatRow(dst + 16 * x, mask + 4 * x, int32_t(width - x), channel, weight);
 }

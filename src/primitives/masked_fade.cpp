@@ -83,15 +83,14 @@ void MaskedFadeFloatRowVector(uint8_t* dst, const uint8_t* src, const uint8_t* m
     const int64_t step = int64_t(hn::Lanes(floats)) / 4;
     int64_t x = 0;
     for (; x + step <= width; x += step) {
-        float* const at = reinterpret_cast<float*>(dst + 16 * x);
-        const auto d = hn::LoadU(floats, at);
-        const auto s = hn::LoadU(floats, reinterpret_cast<const float*>(src + 16 * x));
+        const auto d = LoadOnce(floats, dst + 16 * x);
+        const auto s = LoadOnce(floats, src + 16 * x);
         const auto maskBytes = hn::PromoteTo(numbers, hn::LoadU(bytes, mask + 4 * x));
         const auto w = hn::Mul(hn::ConvertTo(floats, maskBytes), hn::Set(floats, kByteToUnit));
         const auto rest = hn::Sub(hn::Set(floats, 1.0f), w);
         const auto mixed = hn::Add(hn::Mul(w, s), hn::Mul(rest, d));
         const auto alpha = hn::Broadcast<3>(mixed); // a pixel is four lanes
-        hn::StoreU(hn::IfThenElse(hn::Gt(alpha, mixed), mixed, alpha), floats, at);
+        StoreBytes(hn::IfThenElse(hn::Gt(alpha, mixed), mixed, alpha), dst + 16 * x);
     }
     MaskedFadeFloatRow(dst + 16 * x, src + 16 * x, mask + 4 * x, int32_t(width - x));
 }

@@ -227,7 +227,7 @@ bool Multiply(void* buffer, int32_t stride, int32_t bytesPerPixel, int32_t width
         return false;
     if (IsEmpty(width, height))
         return true;
-    const MultiplyWeights weights{TruncatedWeight(factor * 256.0 + 0.5), float(factor)};
+    const MultiplyWeights weights{Truncated32(factor * 256.0 + 0.5), float(factor)};
     const MultiplyRowFn row = SelectMultiplyRow(bytesPerPixel == 16, premultiplied != 0);
     for (int32_t y = 0; y < height; ++y)
         row(RowAt(buffer, stride, y), width, weights);

@@ -12,8 +12,8 @@ using namespace vxtest;
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr double kNan = -std::numeric_limits<double>::quiet_NaN(); // the processor's own
 
-// The slow oracle: one channel (0 to 2, or alpha 3) of a pixel, each mode with formulas of its own
-// for colours and alpha, in plain integers and floats.
+// The slow oracle: one channel of a pixel and the pixel's alphas, in plain integers and floats. Where c is
+// the alpha itself, most modes take over.
 template <class T>
 struct Channel
 {
@@ -21,27 +21,28 @@ struct Channel
     bool isAlpha;
 };
 
+int64_t Over8(int64_t below, int64_t top, int64_t topAlpha)
+{
+    return ((255 - topAlpha) * below + top * 255 + 127) / 255;
+}
+
 int64_t Mixed8(int32_t mode, const Channel<int64_t>& c)
 {
-    const int64_t alphaOver = ((255 - c.sa) * c.da + c.sa * 255 + 127) / 255;
-    switch (mode) {
+    switch (c.isAlpha && mode != 2 && mode != 4 && mode != 7 ? 1 : mode) {
     case 1:
-        return c.isAlpha ? alphaOver : ((255 - c.sa) * c.d + c.s * 255 + 127) / 255;
+        return Over8(c.d, c.s, c.sa);
     case 2:
-        return c.isAlpha ? ((255 - c.da) * c.sa + c.da * 255 + 127) / 255
-                         : ((255 - c.da) * c.s + c.d * 255 + 127) / 255;
+        return Over8(c.s, c.d, c.da);
     case 3:
-        return c.isAlpha ? alphaOver : c.d + c.s > 255 ? 255 : c.d + c.s;
+        return c.d + c.s > 255 ? 255 : c.d + c.s;
     case 4:
-        return c.isAlpha ? c.da * c.sa / 255 : c.d * c.s / 255;
+        return c.d * c.s / 255;
     case 5:
-        if (c.isAlpha)
-            return alphaOver;
         return c.d < 128 ? (2 * c.d * c.s) / 255 : 255 - (2 * (255 - c.d) * (255 - c.s)) / 255;
     case 6:
-        return c.isAlpha ? alphaOver : 255 - ((255 - c.s) * (255 - c.d)) / 255;
+        return 255 - ((255 - c.s) * (255 - c.d)) / 255;
     default:
-        return c.isAlpha ? (c.da + c.sa) >> 1 : (c.d + c.s) >> 1;
+        return (c.d + c.s) >> 1;
     }
 }
 
@@ -53,24 +54,21 @@ uint8_t Oracle8(int32_t mode, const Channel<int64_t>& c, int64_t opacity)
 
 float MixedFloat(int32_t mode, const Channel<float>& c)
 {
-    const float alphaOver = (1.0f - c.sa) * c.da + c.sa;
-    switch (mode) {
+    switch (c.isAlpha && mode != 2 && mode != 4 && mode != 7 ? 1 : mode) {
     case 1:
-        return c.isAlpha ? alphaOver : (1.0f - c.sa) * c.d + c.s;
+        return (1.0f - c.sa) * c.d + c.s;
     case 2:
-        return c.isAlpha ? (1.0f - c.da) * c.sa + c.da : (1.0f - c.da) * c.s + c.d;
+        return (1.0f - c.da) * c.s + c.d;
     case 3:
-        return c.isAlpha ? alphaOver : c.d + c.s;
+        return c.d + c.s;
     case 4:
-        return c.isAlpha ? c.da * c.sa : c.d * c.s;
+        return c.d * c.s;
     case 5:
-        if (c.isAlpha)
-            return alphaOver;
         return 0.5f > c.d ? c.d * c.s * 2.0f : 1.0f - (1.0f - c.d) * 2.0f * (1.0f - c.s);
     case 6:
-        return c.isAlpha ? alphaOver : 1.0f - (1.0f - c.s) * (1.0f - c.d);
+        return 1.0f - (1.0f - c.s) * (1.0f - c.d);
     default:
-        return c.isAlpha ? (c.da + c.sa) * 0.5f : (c.d + c.s) * 0.5f;
+        return (c.d + c.s) * 0.5f;
     }
 }
 
