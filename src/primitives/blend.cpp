@@ -5,6 +5,7 @@
 #include <hwy/highway.h>
 
 #include "primitives/arithmetic-inl.h"
+#include "primitives/row_loops-inl.h"
 
 #ifndef VX_BLEND_PLAIN
 #define VX_BLEND_PLAIN
@@ -56,60 +57,54 @@ namespace {
 // Weights of 0 to 4096 come from factors from 0.0 to 1.0 and sum to no more than 4096. They are taken
 // apart into 64 high + low. With H and L the sums of the products with either part, the mean
 // (64 H + L + 2048) / 4096 is (H + L / 64 + 32) / 64, all rounded down; it is a byte, and no sum of two
-// products exceeds 255 * 126.
-template <class D>
-HWY_INLINE hn::Vec<D> BlendBytes(D bytes, hn::Vec<D> d, hn::Vec<D> s, BlendWeights w)
+// products exceeds 255 * 126. The fixed-point product with 512 is the last step: (512 x + 2^14) / 2^15.
+// In alpha lanes dst weighs 4096 and stays.
+void BlendRowUsual(uint8_t* dst, const uint8_t* src, int32_t width, BlendWeights w)
 {
-    const hn::Repartition<int16_t, D> words;
-    const auto high = hn::Set(words, int16_t((w.dst >> 6) | (w.src >> 6) << 8));
-    const auto low = hn::Set(words, int16_t((w.dst & 63) | (w.src & 63) << 8));
-    const auto blend = [=](auto d16, auto s16) HWY_ATTR {
-        const auto pair = hn::Or(d16, hn::ShiftLeft<8>(s16));
-        const auto rounded = hn::Add(hn::ShiftRight<6>(SumOfPair(pair, low)), hn::Set(words, 32));
-        return hn::ShiftRight<6>(hn::Add(SumOfPair(pair, high), rounded));
+    const hn::ScalableTag<uint8_t> bytes;
+    const hn::Repartition<int16_t, decltype(bytes)> words;
+    const auto toAlpha = ChannelIndexes(bytes, 3);
+    const auto isAlpha = AlphaLanes(words);
+    const auto high = hn::IfThenElse(isAlpha, hn::Set(words, 64),
+                                     hn::Set(words, int16_t((w.dst >> 6) | (w.src >> 6) << 8)));
+    const auto low = hn::IfThenZeroElse(isAlpha, hn::Set(words, int16_t((w.dst & 63) | (w.src & 63) << 8)));
+    const auto mean = [=](auto pair) VX_LANES {
+        const auto sum = hn::Add(SumOfPair(pair, high), hn::ShiftRight<6>(SumOfPair(pair, low)));
+        return hn::MulFixedPoint15(sum, hn::Set(words, 512));
     };
-    return OnWideLanes<int16_t>(bytes, blend, d, s);
+    const auto blend = [=](auto d, auto s) VX_LANES {
+        return hn::Min(OnPairs(bytes, d, s, mean), hn::TableLookupBytes(d, toAlpha));
+    };
+    const int64_t done = ReplaceVectors(bytes, dst, 4 * int64_t(width), blend, src);
+    BlendRow(dst + done, src + done, width - int32_t(done / 4), w);
 }
 
 // Any other weights: sums wrap as in the plain form.
-template <class D>
-HWY_INLINE hn::Vec<D> BlendBytesAny(D bytes, hn::Vec<D> d, hn::Vec<D> s, hn::Vec<D> limit, BlendWeights w)
-{
-    const hn::Repartition<int32_t, D> longs;
-    const auto blend = [=](auto d32, auto s32, auto limit32) HWY_ATTR {
-        const auto ofDst = hn::Mul(d32, hn::Set(longs, int32_t(w.dst)));
-        const auto ofSrc = hn::Mul(s32, hn::Set(longs, int32_t(w.src)));
-        const auto sum = hn::Add(hn::Add(ofDst, ofSrc), hn::Set(longs, int32_t(kHalf)));
-        return hn::Clamp(hn::ShiftRight<12>(sum), hn::Zero(longs), limit32);
-    };
-    return OnLongLanes(bytes, blend, d, s, limit);
-}
-
-template <bool kUsualWeights>
-HWY_INLINE void BlendRowOf(uint8_t* dst, const uint8_t* src, int32_t width, BlendWeights w)
+void BlendRowAny(uint8_t* dst, const uint8_t* src, int32_t width, BlendWeights w)
 {
     const hn::ScalableTag<uint8_t> bytes;
-    const int64_t step = int64_t(hn::Lanes(bytes)) / 4;
+    const hn::Repartition<int32_t, decltype(bytes)> longs;
     const auto toAlpha = ChannelIndexes(bytes, 3);
     const auto isAlpha = AlphaLanes(bytes);
-    int64_t x = 0;
-    for (; x + step <= width; x += step) {
-        const auto d = hn::LoadU(bytes, dst + 4 * x);
-        const auto s = hn::LoadU(bytes, src + 4 * x);
-        const auto alpha = hn::TableLookupBytes(d, toAlpha);
-        const auto mixed =
-            kUsualWeights ? hn::Min(BlendBytes(bytes, d, s, w), alpha) : BlendBytesAny(bytes, d, s, alpha, w);
-        hn::StoreU(hn::IfThenElse(isAlpha, d, mixed), bytes, dst + 4 * x);
-    }
-    BlendRow(dst + 4 * x, src + 4 * x, int32_t(width - x), w);
+    const auto mean = [=](auto d, auto s, auto alpha) VX_LANES {
+        const auto ofDst = hn::Mul(d, hn::Set(longs, int32_t(w.dst)));
+        const auto ofSrc = hn::Mul(s, hn::Set(longs, int32_t(w.src)));
+        const auto sum = hn::Add(hn::Add(ofDst, ofSrc), hn::Set(longs, int32_t(kHalf)));
+        return hn::Clamp(hn::ShiftRight<12>(sum), hn::Zero(longs), alpha);
+    };
+    const auto blend = [=](auto d, auto s) VX_LANES {
+        return hn::IfThenElse(isAlpha, d, OnLongs(bytes, mean, d, s, hn::TableLookupBytes(d, toAlpha)));
+    };
+    const int64_t done = ReplaceVectors(bytes, dst, 4 * int64_t(width), blend, src);
+    BlendRow(dst + done, src + done, width - int32_t(done / 4), w);
 }
 
 void BlendRowVector(uint8_t* dst, const uint8_t* src, int32_t width, BlendWeights w)
 {
     if (w.dst <= kOne && w.src <= kOne)
-        BlendRowOf<true>(dst, src, width, w);
+        BlendRowUsual(dst, src, width, w);
     else
-        BlendRowOf<false>(dst, src, width, w);
+        BlendRowAny(dst, src, width, w);
 }
 
 } // namespace
@@ -129,7 +124,7 @@ bool Blend(void* dst, int32_t dstStride, const void* src, int32_t srcStride, int
     using namespace vx;
     if (IsEmpty(width, height))
         return true;
-    const BlendWeights weights{TruncatedWeight(factor * 4096.0), TruncatedWeight((1.0 - factor) * 4096.0)};
+    const BlendWeights weights{Truncated32(factor * 4096.0), Truncated32((1.0 - factor) * 4096.0)};
     const auto row = VX_VECTOR_FORM(BlendRowVector, BlendRow);
     for (int32_t y = 0; y < height; ++y)
         row(RowAt(dst, dstStride, y), RowAt(src, srcStride, y), width, weights);

@@ -5,6 +5,7 @@
 #include <hwy/foreach_target.h> // includes this file once for each target
 #include <hwy/highway.h>
 
+#include "primitives/arithmetic-inl.h"
 #include "primitives/byte_tables-inl.h"
 
 #ifndef VX_CHANNEL_MAP_PLAIN
@@ -28,29 +29,23 @@ struct PixelTable
     explicit PixelTable(const uint32_t* table) : pixels(reinterpret_cast<const uint8_t*>(table)), bytes(table)
     {}
 
-    uint32_t operator[](uint32_t index) const
-    {
-        uint32_t pixel;
-        std::memcpy(&pixel, pixels + 4 * index, sizeof(pixel));
-        return pixel;
-    }
+    uint32_t operator[](uint32_t index) const { return LoadElement<uint32_t>(pixels + 4 * index); }
 
     const uint8_t* pixels;
     ByteTables bytes; // the same
 };
 
 // Two pixels a store: the loop is bound by its stores.
-void MapRow(uint8_t* dst, const uint8_t* src, int64_t width, int32_t channel, const PixelTable& table)
+HWY_NOINLINE void MapRow(uint8_t* dst, const uint8_t* src, int64_t width, int32_t channel,
+                         const PixelTable& table)
 {
     src += channel;
     for (; width >= 2; width -= 2, dst += 8, src += 8) {
         const uint32_t pixels[2] = {table[src[0]], table[src[4]]};
         std::memcpy(dst, pixels, sizeof(pixels));
     }
-    if (width > 0) {
-        const uint32_t pixel = table[*src];
-        std::memcpy(dst, &pixel, sizeof(pixel));
-    }
+    if (width > 0)
+        StoreElement(dst, table[*src]);
 }
 
 uint32_t SumOfBytes(uint32_t word)
@@ -60,14 +55,10 @@ uint32_t SumOfBytes(uint32_t word)
 }
 
 // summed: a pixel with 0xFF in the channels that count
-void MergeRow(uint8_t* row, int64_t width, uint32_t summed, const PixelTable& table)
+HWY_NOINLINE void MergeRow(uint8_t* row, int64_t width, uint32_t summed, const PixelTable& table)
 {
-    for (; width > 0; --width, row += 4) {
-        uint32_t pixel;
-        std::memcpy(&pixel, row, sizeof(pixel));
-        pixel = table[std::min(SumOfBytes(pixel & summed), 255u)];
-        std::memcpy(row, &pixel, sizeof(pixel));
-    }
+    for (; width > 0; --width, row += 4)
+        StoreElement(row, table[std::min(SumOfBytes(LoadElement<uint32_t>(row) & summed), 255u)]);
 }
 
 // Only the index needs arithmetic: a row is bound by its 16-byte pixels, so it has no vector form.
@@ -76,8 +67,7 @@ void MapFloatRow(uint8_t* dst, const uint8_t* src, int64_t width, int32_t channe
 {
     const float scale = float(entries);
     for (; width > 0; --width, dst += 16, src += 16) {
-        float value;
-        std::memcpy(&value, src + 4 * channel, sizeof(value));
+        const float value = LoadElement<float>(src + 4 * channel);
         const int32_t index = std::clamp(BiasedRoundLow32(scale * value), 0, entries - 1);
         std::memcpy(dst, table + 16 * int64_t(index), 16);
     }
@@ -104,6 +94,17 @@ HWY_INLINE void StorePixels(const ByteTables& table, TableVec index, uint8_t* ds
     StorePlanes(pixels, dst);
 }
 
+// One of the planes of LoadPlanes.
+HWY_INLINE TableVec LoadPlane(const uint8_t* from, int32_t channel)
+{
+    const hn::Repartition<int32_t, TableBytes> pixels;
+    const auto load = [=](int i) VX_LANES {
+        const auto group = LoadOnce(pixels, from + hn::Lanes(TableBytes()) * size_t(i));
+        return hn::And(hn::ShiftRightSame(group, 8 * channel), hn::Set(pixels, 0xFF));
+    };
+    return PackLongs(TableBytes(), load(0), load(1), load(2), load(3));
+}
+
 // Each step of the sum is capped at 255, which caps the total alike.
 HWY_INLINE TableVec SumOfChannels(const PixelPlanes& pixels, uint32_t summed)
 {
@@ -120,7 +121,7 @@ void MapRowVector(uint8_t* dst, const uint8_t* src, int64_t width, int32_t chann
 #if VX_WIDE_BYTE_TABLES
     const int64_t step = int64_t(hn::Lanes(TableBytes()));
     for (; width >= step; width -= step, dst += 4 * step, src += 4 * step)
-        StorePixels(table.bytes, LoadPlanes(src).channel[channel], dst);
+        StorePixels(table.bytes, LoadPlane(src, channel), dst);
 #endif
     MapRow(dst, src, width, channel, table);
 }
@@ -187,7 +188,7 @@ bool ChannelMapExFloat(void* dst, int32_t dstStride, const void* src, int32_t sr
     using namespace vx;
     if (!AcceptChannel(channel))
         return false;
-    if (tableEntries < 1)
+    if (tableEntries < 1 || IsEmpty(width, height))
         return true;
     const uint8_t* pixels = reinterpret_cast<const uint8_t*>(table);
     for (int32_t y = 0; y < height; ++y)

@@ -4,6 +4,8 @@
 #include <hwy/foreach_target.h> // includes this file once for each target
 #include <hwy/highway.h>
 
+#include "primitives/row_loops-inl.h"
+
 #ifndef VX_CLIP_RESTORE_PLAIN
 #define VX_CLIP_RESTORE_PLAIN
 
@@ -11,7 +13,6 @@
 #include "primitives/rows.h"
 #include "vx/channels.h"
 
-#include <cstring>
 #include <limits>
 
 namespace vx {
@@ -23,15 +24,14 @@ struct ClipBounds
     float floor;
 };
 
-void ClipRestoreRow(uint8_t* row, int64_t width, ClipBounds bounds)
+HWY_NOINLINE void ClipRestoreRow(uint8_t* row, int32_t width, ClipBounds bounds)
 {
-    for (; width > 0; --width, row += 16) {
-        float pixel[4];
-        std::memcpy(pixel, row, sizeof(pixel));
-        const float restored = bounds.floor > pixel[3] ? bounds.floor : pixel[3];
+    for (int32_t x = 0; x < width; ++x, row += 16) {
+        const float alpha = LoadElement<float>(row + 12);
+        const float restored = bounds.floor > alpha ? bounds.floor : alpha;
         for (int c = 0; c < 3; ++c)
-            pixel[c] = pixel[c] > bounds.limit ? restored : pixel[c];
-        std::memcpy(row, pixel, 12);
+            if (LoadElement<float>(row + 4 * c) > bounds.limit)
+                StoreElement(row + 4 * c, restored);
     }
 }
 
@@ -45,26 +45,21 @@ namespace vx {
 namespace HWY_NAMESPACE {
 namespace {
 
-namespace hn = hwy::HWY_NAMESPACE;
-
-void ClipRestoreRowVector(uint8_t* row, int64_t width, ClipBounds bounds)
+void ClipRestoreRowVector(uint8_t* row, int32_t width, ClipBounds bounds)
 {
-    const hn::ScalableTag<uint8_t> bytes;
-    const hn::Repartition<float, decltype(bytes)> lanes;
-    const int64_t step = int64_t(hn::Lanes(lanes)) / 4;
+    const hn::ScalableTag<float> floats;
     // Nothing is above infinity: alpha, the fourth lane of a pixel, always stays.
     const float limits[4] = {bounds.limit, bounds.limit, bounds.limit,
                              std::numeric_limits<float>::infinity()};
-    const auto limit = hn::LoadDup128(lanes, limits);
-    const auto floor = hn::Set(lanes, bounds.floor);
-    for (; width >= step; width -= step, row += 16 * step) {
-        const auto pixels = hn::BitCast(lanes, hn::LoadU(bytes, row));
+    const auto limit = hn::LoadDup128(floats, limits);
+    const auto floor = hn::Set(floats, bounds.floor);
+    const auto restore = [=](auto pixels) VX_LANES {
         const auto alpha = hn::Broadcast<3>(pixels);
         const auto restored = hn::IfThenElse(hn::Gt(floor, alpha), floor, alpha);
-        const auto result = hn::IfThenElse(hn::Gt(pixels, limit), restored, pixels);
-        hn::StoreU(hn::BitCast(bytes, result), bytes, row);
-    }
-    ClipRestoreRow(row, width, bounds);
+        return hn::IfThenElse(hn::Gt(pixels, limit), restored, pixels);
+    };
+    const int64_t done = ReplaceVectors(floats, row, 16 * int64_t(width), restore);
+    ClipRestoreRow(row + done, width - int32_t(done / 16), bounds);
 }
 
 } // namespace
@@ -81,6 +76,8 @@ HWY_EXPORT(ClipRestoreRowVector);
 bool ClipRestore(void* buffer, int32_t stride, int32_t width, int32_t height, double limit, double floor)
 {
     using namespace vx;
+    if (IsEmpty(width, height))
+        return true;
     const ClipBounds bounds{float(limit * 255.0), float(floor * 255.0)};
     const auto row = VX_VECTOR_FORM(ClipRestoreRowVector, ClipRestoreRow);
     for (int32_t y = 0; y < height; ++y)

@@ -44,7 +44,7 @@ bool Composite(void* dst, int32_t dstStride, const void* src, int32_t srcStride,
     using namespace vx;
     if (mode < VX_COMPOSITE_SOURCE_OVER || mode > VX_COMPOSITE_AVERAGE)
         return false;
-    if (width <= 0 || height <= 0)
+    if (IsEmpty(width, height))
         return true;
     const CompositeFrames frames{dst, dstStride, src, srcStride, width, height};
     if (bytesPerPixel == 4) {

@@ -4,6 +4,9 @@
 #include <hwy/foreach_target.h> // includes this file once for each target
 #include <hwy/highway.h>
 
+#include "primitives/arithmetic-inl.h"
+#include "primitives/row_loops-inl.h"
+
 #ifndef VX_COMPOSITE8_PLAIN
 #define VX_COMPOSITE8_PLAIN
 
@@ -57,7 +60,7 @@ uint8_t AtStrength(uint32_t mixed, Pair c, uint32_t opacity)
 }
 
 template <int32_t mode, bool full>
-void CompositeRow(uint8_t* dst, const uint8_t* src, int32_t width, uint32_t opacity)
+HWY_NOINLINE void CompositeRow(uint8_t* dst, const uint8_t* src, int32_t width, uint32_t opacity)
 {
     for (int32_t x = 0; x < width; ++x, dst += 4, src += 4) {
         const Pair alpha{dst[3], src[3]};
@@ -92,20 +95,19 @@ CompositeRow8 PlainRow(int32_t mode, uint32_t opacity)
 
 #endif // VX_COMPOSITE8_PLAIN
 
-// The vector form keeps to bytes and 16-bit lanes. The two values of 17 bits that the formulas hold
-// are avoided by identities of whole numbers:
+// The vector form keeps to bytes and 16-bit lanes. The modes whose R is a byte mix it with the base as
+// bytes are mixed. Over, of which R may exceed a byte, gets by with identities of whole numbers:
 //
-// Over. p = round(b ta / 255) has no ties, as 255 is odd, so ((255 - ta) b + 127) / 255 = b - p, and
-// as 255 t divides evenly, Over(b, t, ta) = b + t - p. A change from p to t, therefore, put upon b.
-// The other modes are changes from the base to R. So R = base + to - from, of three bytes.
+// p = round(b ta / 255) has no ties, as 255 is odd, so ((255 - ta) b + 127) / 255 = b - p, and as 255 t
+// divides evenly, Over(b, t, ta) = b + t - p. A change from p to t, therefore, put upon b.
 //
-// Partial strength. (R o + base (255 - o)) / 255 = base + floor(o (to - from) / 255). With
-// m = 255 + to - from, 0 to 510, that is base - o + q, q = floor(o m / 255), and
+// Partial strength. (R o + b (255 - o)) / 255 = b + floor(o (t - p) / 255). With m = 255 + t - p, 0 to
+// 510, that is b - o + q, q = floor(o m / 255), and
 //     q = m (257 o + 1) >> 16    for o = 0 and for 127 <= o <= 254:
 // with o m = 255 q + r the product is 65536 q + (257 r + m - q), and what stands in brackets is not
 // negative, as q <= m, and below 65536, as r <= 254 and m - q = (m (255 - o) + r) / 255 < 257. For
-// o = 0 the product is m. Opacities 1 to 126 would break that bound: they go from R to the base
-// by 255 - o, which is the same sum.
+// o = 0 the product is m. Opacities 1 to 126 would break that bound: they go from R to b by 255 - o,
+// which is the same sum.
 //
 // Sums and results are kept to their low 8 bits; so are they in the plain form at its end.
 HWY_BEFORE_NAMESPACE();
@@ -113,115 +115,76 @@ namespace vx {
 namespace HWY_NAMESPACE {
 namespace {
 
-namespace hn = hwy::HWY_NAMESPACE;
 using Bytes = hn::ScalableTag<uint8_t>;
 using Words = hn::RepartitionToWide<Bytes>;
+using Pixels = hn::RepartitionToWide<Words>;
 using ByteVec = hn::Vec<Bytes>;
 using WordVec = hn::Vec<Words>;
-
-// The even and the odd bytes of a vector, in lanes of 16 bits: blue and red, green and alpha.
-struct Halves
-{
-    WordVec even, odd;
-};
-
-HWY_INLINE Halves Split(ByteVec v)
-{
-    const Words words;
-    const auto w = hn::BitCast(words, v);
-    return {hn::And(w, hn::Set(words, 0xFF)), hn::ShiftRight<8>(w)};
-}
-
-// Even lanes must not exceed 255; odd ones lose what does.
-HWY_INLINE ByteVec Join(Halves h)
-{
-    return hn::BitCast(Bytes(), hn::Or(h.even, hn::ShiftLeft<8>(h.odd)));
-}
-
-// (x + added) / 255, where x + added is below 65535: with x + added = 255 q + r the product is
-// 65536 q + (257 (r + 1) - q), and what stands in brackets is from 0 to 65535.
-HWY_INLINE WordVec DividedBy255(WordVec x, uint16_t added)
-{
-    const Words words;
-    return hn::MulHigh(hn::Add(x, hn::Set(words, uint16_t(added + 1))), hn::Set(words, 257));
-}
-
-HWY_INLINE ByteVec Product(Halves a, Halves b, uint16_t added)
-{
-    return Join({DividedBy255(hn::Mul(a.even, b.even), added), DividedBy255(hn::Mul(a.odd, b.odd), added)});
-}
-
-HWY_INLINE ByteVec FlooredProduct(ByteVec a, ByteVec b)
-{
-    return Product(Split(a), Split(b), 0);
-}
 
 // Each channel times an alpha of its pixel, rounded.
 HWY_INLINE ByteVec ProductWithAlpha(ByteVec channels, ByteVec alphaOf)
 {
-    alignas(16) static constexpr uint8_t kAlphaOfPixel[16] = {3,  0x80, 3,  0x80, 7,  0x80, 7,  0x80,
-                                                              11, 0x80, 11, 0x80, 15, 0x80, 15, 0x80};
-    const auto spread = hn::TableLookupBytesOr0(alphaOf, hn::LoadDup128(Bytes(), kAlphaOfPixel));
-    const auto alpha = hn::BitCast(Words(), spread);
-    return Product(Split(channels), {alpha, alpha}, 127);
+    const auto alpha = SpreadChannel(alphaOf, ChannelWordIndexes(Bytes(), 3));
+    const auto multiply = [](auto c, auto a) VX_LANES { return MultiplyBytesVector(c, a); };
+    return OnHalves(Bytes(), multiply, Split<uint16_t>(channels), alpha);
 }
 
-HWY_INLINE ByteVec WithAlphaOver(ByteVec colours, ByteVec d, ByteVec s)
+HWY_INLINE ByteVec FlooredProduct(ByteVec a, ByteVec b)
 {
-    const hn::RepartitionToWide<Words> pixels;
-    const auto da = hn::BitCast(Words(), hn::ShiftRight<24>(hn::BitCast(pixels, d)));
-    const auto sa = hn::BitCast(Words(), hn::ShiftRight<24>(hn::BitCast(pixels, s)));
-    const auto over = hn::Sub(hn::Add(da, sa), DividedBy255(hn::Mul(da, sa), 127));
-    const auto placed = hn::BitCast(Bytes(), hn::ShiftLeft<24>(hn::BitCast(pixels, over)));
-    return hn::IfVecThenElse(hn::BitCast(Bytes(), hn::Set(pixels, 0xFF000000u)), placed, colours);
+    const auto multiply = [](auto x, auto y) VX_LANES { return DivideBy255(hn::Mul(x, y), 0); };
+    return OnWords(Bytes(), multiply, a, b);
 }
 
-// R of the colours, for the modes that look at no alpha. Screen is multiply on both complements, and
-// overlay is either, of twice the value, by the side on which dst lies.
+// The same, but the products of alphas are rounded.
+HWY_INLINE ByteVec ProductRoundedInAlpha(ByteVec a, ByteVec b)
+{
+    const auto a16 = Split<uint16_t>(a), b16 = Split<uint16_t>(b);
+    const auto added = hn::BitCast(Words(), hn::Set(Pixels(), 127u << 16)); // of green and alpha
+    return Join(Bytes(), Halves<WordVec>{DivideBy255(hn::Mul(a16.even, b16.even), 0),
+                                         DivideBy255(hn::Mul(a16.odd, b16.odd), added)});
+}
+
+HWY_INLINE ByteVec AlphaBytes()
+{
+    return hn::BitCast(Bytes(), hn::Set(Pixels(), 0xFF000000u));
+}
+
+// The rounded products of the alphas in their place, and 0 in the others. The upper 16 bits of the
+// product of two numbers 256 times too large are that of the numbers.
+HWY_INLINE ByteVec ProductOfAlphas(ByteVec d, ByteVec s)
+{
+    const Words words;
+    const auto da = hn::BitCast(words, hn::And(d, AlphaBytes()));
+    const auto sa = hn::BitCast(words, hn::And(s, AlphaBytes()));
+    return hn::BitCast(Bytes(), hn::ShiftLeft<8>(DivideBy255(hn::MulHigh(da, sa), 127)));
+}
+
+// R of the modes that look at no alpha for their colours. Where alpha covers as that of source over
+// does, Over(b, t, ta) = 255 - round((255 - b) (255 - ta) / 255) with b and t = ta both alphas, which
+// is screen, but rounded. Overlay is multiply or screen, of twice the value, by the side on which dst
+// lies.
 template <int32_t mode>
-HWY_INLINE ByteVec MixedColours(ByteVec d, ByteVec s)
+HWY_INLINE ByteVec MixedOf(ByteVec d, ByteVec s)
 {
     const hn::RebindToSigned<Bytes> signedBytes;
     if constexpr (mode == VX_COMPOSITE_ADD) {
-        return hn::SaturatedAdd(d, s);
+        return hn::SaturatedAdd(hn::Sub(d, ProductOfAlphas(d, s)), s);
     } else if constexpr (mode == VX_COMPOSITE_MULTIPLY) {
         return FlooredProduct(d, s);
     } else if constexpr (mode == VX_COMPOSITE_OVERLAY) {
         const auto light = hn::BitCast(Bytes(), hn::BroadcastSignBit(hn::BitCast(signedBytes, d)));
-        const auto side = hn::Xor(d, light); // 127 at most
-        return hn::Xor(FlooredProduct(hn::Add(side, side), hn::Xor(s, light)), light);
+        const auto upside = hn::Or(light, AlphaBytes());
+        const auto side = hn::Xor(d, upside); // 127 at most in colours
+        const auto twice = hn::Add(side, hn::AndNot(AlphaBytes(), side));
+        return hn::Xor(ProductRoundedInAlpha(twice, hn::Xor(s, upside)), upside);
     } else if constexpr (mode == VX_COMPOSITE_SCREEN) {
-        return hn::Not(FlooredProduct(hn::Not(s), hn::Not(d)));
+        return hn::Not(ProductRoundedInAlpha(hn::Not(s), hn::Not(d)));
     } else {
         return hn::Not(hn::AverageRound(hn::Not(d), hn::Not(s))); // rounds down
     }
 }
 
-// R is base + to - from, each of them a byte.
-struct Change
-{
-    ByteVec base, from, to;
-};
-
-HWY_INLINE ByteVec Result(const Change& c)
-{
-    return hn::Add(c.base, hn::Sub(c.to, c.from));
-}
-
-template <int32_t mode>
-HWY_INLINE Change ChangeOf(ByteVec d, ByteVec s)
-{
-    if constexpr (mode == VX_COMPOSITE_SOURCE_OVER) {
-        return {d, ProductWithAlpha(d, s), s};
-    } else if constexpr (mode == VX_COMPOSITE_DESTINATION_OVER) {
-        return {s, ProductWithAlpha(s, d), d};
-    } else {
-        const auto colours = MixedColours<mode>(d, s);
-        return {d, d, AlphaMode(mode) == mode ? colours : WithAlphaOver(colours, d, s)};
-    }
-}
-
-// How far the change goes. `High` is opacity 0 and 127 to 254, `Low` 1 to 126.
+// How far a mode goes. `High` is opacity 0 and 127 to 254, `Low` 1 to 126.
 enum class Strength
 {
     Full,
@@ -229,39 +192,53 @@ enum class Strength
     Low,
 };
 
-// The change by o / 255 of its length.
-HWY_INLINE ByteVec PartOf(const Change& c, uint32_t o)
+// b moved by o / 255 of the way from p to t; o is high.
+HWY_INLINE ByteVec MovedBy(ByteVec b, ByteVec p, ByteVec t, uint32_t o)
 {
     const Words words;
-    const auto factor = hn::Set(words, uint16_t(257 * o + 1));
-    const Halves to = Split(c.to), fromBelow255 = Split(hn::Not(c.from));
-    const auto even = hn::MulHigh(hn::Add(to.even, fromBelow255.even), factor);
-    const auto odd = hn::MulHigh(hn::Add(to.odd, fromBelow255.odd), factor);
-    const auto part = Join({hn::And(even, hn::Set(words, 0xFF)), odd});
-    return hn::Add(hn::Sub(c.base, hn::Set(Bytes(), uint8_t(o))), part);
+    const auto factor = hn::Set(words, uint16_t(257 * o + 1)), lowByte = hn::Set(words, 0xFF);
+    const auto part = [=](auto to, auto fromBelow255) VX_LANES {
+        return hn::And(hn::MulHigh(hn::Add(to, fromBelow255), factor), lowByte);
+    };
+    return hn::Add(hn::Sub(b, hn::Set(Bytes(), uint8_t(o))), OnWords(Bytes(), part, t, hn::Not(p)));
 }
 
+// t, whose alphas are its own, over b.
 template <Strength strength>
-HWY_INLINE ByteVec AtStrength(const Change& c, uint32_t opacity)
+HWY_INLINE ByteVec OverAtStrength(ByteVec b, ByteVec t, uint32_t opacity)
 {
-    if constexpr (strength == Strength::Full)
-        return Result(c);
-    else if constexpr (strength == Strength::High)
-        return PartOf(c, opacity);
+    const auto p = ProductWithAlpha(b, t);
+    if constexpr (strength == Strength::High)
+        return MovedBy(b, p, t, opacity);
+    const auto result = hn::Add(b, hn::Sub(t, p));
+    return strength == Strength::Full ? result : MovedBy(result, t, p, 255 - opacity);
+}
+
+constexpr bool IsOver(int32_t mode)
+{
+    return mode == VX_COMPOSITE_SOURCE_OVER || mode == VX_COMPOSITE_DESTINATION_OVER;
+}
+
+template <int32_t mode, Strength strength>
+HWY_INLINE ByteVec AtStrength(ByteVec d, ByteVec s, uint32_t opacity)
+{
+    if constexpr (mode == VX_COMPOSITE_SOURCE_OVER)
+        return OverAtStrength<strength>(d, s, opacity);
+    else if constexpr (mode == VX_COMPOSITE_DESTINATION_OVER)
+        return OverAtStrength<strength>(s, d, opacity);
+    else if constexpr (strength == Strength::Full)
+        return MixedOf<mode>(d, s);
     else
-        return PartOf({Result(c), c.to, c.from}, 255 - opacity);
+        return MixBytesVector(Bytes(), d, MixedOf<mode>(d, s), hn::Set(Bytes(), uint8_t(opacity)));
 }
 
 template <int32_t mode, Strength strength>
 void CompositeRowVector(uint8_t* dst, const uint8_t* src, int32_t width, uint32_t opacity)
 {
-    const Bytes bytes;
-    const int32_t step = int32_t(hn::Lanes(bytes)) / 4;
-    for (; width >= step; width -= step, dst += 4 * step, src += 4 * step) {
-        const auto change = ChangeOf<mode>(hn::LoadU(bytes, dst), hn::LoadU(bytes, src));
-        hn::StoreU(AtStrength<strength>(change, opacity), bytes, dst);
-    }
-    CompositeRow<mode, strength == Strength::Full>(dst, src, width, opacity);
+    const auto composite = [=](auto d, auto s) VX_LANES { return AtStrength<mode, strength>(d, s, opacity); };
+    const int64_t done = ReplaceVectors(Bytes(), dst, 4 * int64_t(width), composite, src);
+    CompositeRow<mode, strength == Strength::Full>(dst + done, src + done, width - int32_t(done / 4),
+                                                   opacity);
 }
 
 struct VectorRows8
@@ -272,9 +249,9 @@ struct VectorRows8
 template <int32_t mode>
 struct VectorRows
 {
-    static constexpr VectorRows8 kRows{CompositeRowVector<mode, Strength::Full>,
-                                       CompositeRowVector<mode, Strength::High>,
-                                       CompositeRowVector<mode, Strength::Low>};
+    static constexpr VectorRows8 kRows{
+        CompositeRowVector<mode, Strength::Full>, CompositeRowVector<mode, Strength::High>,
+        CompositeRowVector<mode, IsOver(mode) ? Strength::Low : Strength::High>};
 };
 
 CompositeRow8 VectorRow(int32_t mode, uint32_t opacity)

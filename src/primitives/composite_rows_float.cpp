@@ -4,6 +4,9 @@
 #include <hwy/foreach_target.h> // includes this file once for each target
 #include <hwy/highway.h>
 
+#include "primitives/arithmetic-inl.h"
+#include "primitives/row_loops-inl.h"
+
 #ifndef VX_COMPOSITE_FLOAT_PLAIN
 #define VX_COMPOSITE_FLOAT_PLAIN
 
@@ -57,7 +60,7 @@ float AtStrength(float mixed, Pair c, float opacity)
 
 // Floats are read and written by copy, as rows may be misaligned.
 template <int32_t mode, bool full>
-void CompositeRow(uint8_t* dst, const uint8_t* src, int32_t width, float opacity)
+HWY_NOINLINE void CompositeRow(uint8_t* dst, const uint8_t* src, int32_t width, float opacity)
 {
     for (int32_t x = 0; x < width; ++x, dst += kPixelBytes, src += kPixelBytes) {
         float d[4], s[4];
@@ -106,7 +109,6 @@ namespace vx {
 namespace HWY_NAMESPACE {
 namespace {
 
-namespace hn = hwy::HWY_NAMESPACE;
 using Floats = hn::ScalableTag<float>;
 using FloatVec = hn::Vec<Floats>;
 
@@ -140,28 +142,19 @@ HWY_INLINE FloatVec MixedPixels(FloatVec d, FloatVec s)
 {
     if constexpr (AlphaMode(mode) == mode)
         return MixedLanes<mode>(d, s);
-    const hn::RebindToUnsigned<Floats> lanes;
-    const auto isAlpha = hn::Eq(hn::And(hn::Iota(lanes, 0), hn::Set(lanes, 3)), hn::Set(lanes, 3));
-    return hn::IfThenElse(hn::RebindMask(Floats(), isAlpha), MixedLanes<AlphaMode(mode)>(d, s),
-                          MixedLanes<mode>(d, s));
+    return hn::IfThenElse(AlphaLanes(Floats()), MixedLanes<AlphaMode(mode)>(d, s), MixedLanes<mode>(d, s));
 }
 
 template <int32_t mode, bool full>
 void CompositeRowVector(uint8_t* dst, const uint8_t* src, int32_t width, float opacity)
 {
-    const Floats floats;
-    const hn::Repartition<uint8_t, Floats> bytes;
-    const int32_t step = int32_t(hn::Lanes(floats)) / 4;
-    const auto strength = hn::Set(floats, opacity), rest = hn::Set(floats, 1.0f - opacity);
-    for (; width >= step; width -= step, dst += step * kPixelBytes, src += step * kPixelBytes) {
-        const auto d = hn::BitCast(floats, hn::LoadU(bytes, dst)),
-                   s = hn::BitCast(floats, hn::LoadU(bytes, src));
-        auto result = MixedPixels<mode>(d, s);
-        if constexpr (!full)
-            result = hn::Add(hn::Mul(result, strength), hn::Mul(rest, BaseIsSource(mode) ? s : d));
-        hn::StoreU(hn::BitCast(bytes, result), bytes, dst);
-    }
-    CompositeRow<mode, full>(dst, src, width, opacity);
+    const auto strength = hn::Set(Floats(), opacity), rest = hn::Set(Floats(), 1.0f - opacity);
+    const auto composite = [=](auto d, auto s) VX_LANES {
+        const auto mixed = MixedPixels<mode>(d, s);
+        return full ? mixed : hn::Add(hn::Mul(mixed, strength), hn::Mul(rest, BaseIsSource(mode) ? s : d));
+    };
+    const int64_t done = ReplaceVectors(Floats(), dst, int64_t(width) * kPixelBytes, composite, src);
+    CompositeRow<mode, full>(dst + done, src + done, width - int32_t(done / kPixelBytes), opacity);
 }
 
 template <int32_t mode>

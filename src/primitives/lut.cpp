@@ -20,7 +20,7 @@ namespace vx {
 namespace {
 
 template <bool kClampToAlpha>
-void LutRow(uint8_t* row, int64_t width, const ByteTables& tables)
+HWY_NOINLINE void LutRow(uint8_t* row, int64_t width, const ByteTables& tables)
 {
     for (; width > 0; --width, row += 4) {
         const uint8_t alpha = tables.column[3][row[3]];
@@ -88,7 +88,7 @@ HWY_EXPORT(ClampedLutRowVector);
 template <class RowFn>
 void LutRows(void* buffer, int32_t stride, int32_t width, int32_t height, const uint8_t* table, RowFn row)
 {
-    if (width <= 0 || height <= 0)
+    if (IsEmpty(width, height))
         return; // without a look at the table
     const ByteTables tables(table);
     for (int32_t y = 0; y < height; ++y)

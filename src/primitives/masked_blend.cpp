@@ -1,10 +1,13 @@
 // MaskedBlend: an 8-bit frame mixed into another, weighed channel by channel by a mask.
+#define HWY_WANT_AVX3_DL // for its permutations of bytes
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "primitives/masked_blend.cpp"
 #include <hwy/foreach_target.h> // includes this file once for each target
 #include <hwy/highway.h>
 
 #include "primitives/arithmetic-inl.h"
+#include "primitives/byte_tables-inl.h"
+#include "primitives/row_loops-inl.h"
 
 #ifndef VX_MASKED_BLEND_PLAIN
 #define VX_MASKED_BLEND_PLAIN
@@ -26,31 +29,30 @@ HWY_NOINLINE void MaskedBlendRow(uint8_t* dst, const uint8_t* mask, const uint8_
             dst[c] = std::min(MixBytes(dst[c], src[c], mask[c]), dst[3]);
 }
 
-// The mask seen through the table. Byte c of an entry serves channel c, so that it is masked out of
-// the entry's word where it stands. Not inlined: the compiler, once it sees that the weights are an array
-// of their own, makes slow gathers of the look-ups.
-HWY_NOINLINE void LookUpMask(const uint8_t* mask, const uint8_t* lut, int32_t width, uint8_t* weights)
+// The mask seen through the tables of its channels. The alpha of the weights is not used.
+HWY_NOINLINE void LookUpMask(const uint8_t* mask, const ByteTables& tables, int32_t width, uint8_t* weights)
 {
-    for (int32_t x = 0; x < width; ++x, mask += 4, weights += 4) {
-        const uint32_t blue = LoadElement<uint32_t>(lut + 4 * mask[0]) & 0x000000FF;
-        const uint32_t green = LoadElement<uint32_t>(lut + 4 * mask[1]) & 0x0000FF00;
-        const uint32_t red = LoadElement<uint32_t>(lut + 4 * mask[2]) & 0x00FF0000;
-        StoreElement(weights, blue | green | red);
-    }
+    for (int32_t x = 0; x < width; ++x, mask += 4, weights += 4)
+        for (int c = 0; c < 3; ++c)
+            weights[c] = tables.column[c][mask[c]];
 }
 
-using MaskedBlendRowFn = void (*)(uint8_t*, const uint8_t*, const uint8_t*, int32_t);
+struct MaskedBlendRows
+{
+    void (*blend)(uint8_t* dst, const uint8_t* mask, const uint8_t* src, int32_t width);
+    void (*lookUp)(const uint8_t* mask, const ByteTables& tables, int32_t width, uint8_t* weights);
+};
 
 // Looks up a stretch of the mask at a time, short enough to stay in the first-level cache.
-void MaskedBlendRowThroughLut(uint8_t* dst, const uint8_t* mask, const uint8_t* src, int32_t width,
-                              const uint8_t* lut, MaskedBlendRowFn row)
+void MaskedBlendRowThroughTables(uint8_t* dst, const uint8_t* mask, const uint8_t* src, int32_t width,
+                                 const ByteTables& tables, MaskedBlendRows rows)
 {
     constexpr int32_t kStretch = 256;
-    uint8_t weights[4 * kStretch];
+    uint8_t weights[4 * kStretch] = {};
     while (width > 0) {
         const int32_t count = std::min(width, kStretch);
-        LookUpMask(mask, lut, count, weights);
-        row(dst, weights, src, count);
+        rows.lookUp(mask, tables, count, weights);
+        rows.blend(dst, weights, src, count);
         dst += 4 * count, mask += 4 * count, src += 4 * count, width -= count;
     }
 }
@@ -68,18 +70,28 @@ namespace {
 void MaskedBlendRowVector(uint8_t* dst, const uint8_t* mask, const uint8_t* src, int32_t width)
 {
     const hn::ScalableTag<uint8_t> bytes;
-    const int64_t step = int64_t(hn::Lanes(bytes)) / 4;
     const auto toAlpha = ChannelIndexes(bytes, 3);
     const auto isAlpha = AlphaLanes(bytes);
-    int64_t x = 0;
-    for (; x + step <= width; x += step) {
-        const auto d = hn::LoadU(bytes, dst + 4 * x);
-        const auto s = hn::LoadU(bytes, src + 4 * x);
-        const auto mixed = MixBytesVector(bytes, d, s, hn::LoadU(bytes, mask + 4 * x));
-        const auto capped = hn::Min(mixed, hn::TableLookupBytes(d, toAlpha));
-        hn::StoreU(hn::IfThenElse(isAlpha, d, capped), bytes, dst + 4 * x);
+    const auto blend = [=](auto d, auto w, auto s) VX_LANES {
+        const auto capped = hn::Min(MixBytesVector(bytes, d, s, w), hn::TableLookupBytes(d, toAlpha));
+        return hn::IfThenElse(isAlpha, d, capped);
+    };
+    const int64_t done = ReplaceVectors(bytes, dst, 4 * int64_t(width), blend, mask, src);
+    MaskedBlendRow(dst + done, mask + done, src + done, width - int32_t(done / 4));
+}
+
+void LookUpMaskVector(const uint8_t* mask, const ByteTables& tables, int32_t width, uint8_t* weights)
+{
+#if VX_VECTOR_BYTE_TABLES
+    const int32_t step = int32_t(hn::Lanes(TableBytes()));
+    for (; width >= step; width -= step, mask += 4 * step, weights += 4 * step) {
+        PixelPlanes pixels = LoadPlanes(mask);
+        for (int c = 0; c < 3; ++c)
+            pixels.channel[c] = LookUpBytes(tables.column[c], pixels.channel[c]);
+        StorePlanes(pixels, weights);
     }
-    MaskedBlendRow(dst + 4 * x, mask + 4 * x, src + 4 * x, int32_t(width - x));
+#endif
+    LookUpMask(mask, tables, width, weights);
 }
 
 } // namespace
@@ -91,6 +103,7 @@ HWY_AFTER_NAMESPACE();
 
 namespace vx {
 HWY_EXPORT(MaskedBlendRowVector);
+HWY_EXPORT(LookUpMaskVector);
 } // namespace vx
 
 bool MaskedBlend(void* dst, int32_t dstStride, const void* mask, int32_t maskStride, const void* src,
@@ -99,16 +112,17 @@ bool MaskedBlend(void* dst, int32_t dstStride, const void* mask, int32_t maskStr
     using namespace vx;
     if (IsEmpty(width, height))
         return true;
-    const MaskedBlendRowFn row = VX_VECTOR_FORM(MaskedBlendRowVector, MaskedBlendRow);
-    for (int32_t y = 0; y < height; ++y) {
-        uint8_t* const dstRow = RowAt(dst, dstStride, y);
-        const uint8_t* const maskRow = RowAt(mask, maskStride, y);
-        const uint8_t* const srcRow = RowAt(src, srcStride, y);
-        if (lut)
-            MaskedBlendRowThroughLut(dstRow, maskRow, srcRow, width, static_cast<const uint8_t*>(lut), row);
-        else
-            row(dstRow, maskRow, srcRow, width);
+    const MaskedBlendRows rows{VX_VECTOR_FORM(MaskedBlendRowVector, MaskedBlendRow),
+                               VX_VECTOR_FORM(LookUpMaskVector, LookUpMask)};
+    if (!lut) {
+        for (int32_t y = 0; y < height; ++y)
+            rows.blend(RowAt(dst, dstStride, y), RowAt(mask, maskStride, y), RowAt(src, srcStride, y), width);
+        return true;
     }
+    const ByteTables tables(lut);
+    for (int32_t y = 0; y < height; ++y)
+        MaskedBlendRowThroughTables(RowAt(dst, dstStride, y), RowAt(mask, maskStride, y),
+                                    RowAt(src, srcStride, y), width, tables, rows);
     return true;
 }
 

@@ -5,6 +5,7 @@
 #include <hwy/highway.h>
 
 #include "primitives/arithmetic-inl.h"
+#include "primitives/row_loops-inl.h"
 
 #ifndef VX_MASKED_FADE_PLAIN
 #define VX_MASKED_FADE_PLAIN
@@ -65,16 +66,13 @@ namespace {
 void MaskedFadeRowVector(uint8_t* dst, const uint8_t* src, const uint8_t* mask, int32_t width)
 {
     const hn::ScalableTag<uint8_t> bytes;
-    const int64_t step = int64_t(hn::Lanes(bytes)) / 4;
     const auto toAlpha = ChannelIndexes(bytes, 3);
-    int64_t x = 0;
-    for (; x + step <= width; x += step) {
-        const auto d = hn::LoadU(bytes, dst + 4 * x);
-        const auto s = hn::LoadU(bytes, src + 4 * x);
-        const auto mixed = MixBytesVector(bytes, d, s, hn::LoadU(bytes, mask + 4 * x));
-        hn::StoreU(hn::Min(mixed, hn::TableLookupBytes(mixed, toAlpha)), bytes, dst + 4 * x);
-    }
-    MaskedFadeRow(dst + 4 * x, src + 4 * x, mask + 4 * x, int32_t(width - x));
+    const auto fade = [=](auto d, auto s, auto w) VX_LANES {
+        const auto mixed = MixBytesVector(bytes, d, s, w);
+        return hn::Min(mixed, hn::TableLookupBytes(mixed, toAlpha));
+    };
+    const int64_t done = ReplaceVectors(bytes, dst, 4 * int64_t(width), fade, src, mask);
+    MaskedFadeRow(dst + done, src + done, mask + done, width - int32_t(done / 4));
 }
 
 void MaskedFadeFloatRowVector(uint8_t* dst, const uint8_t* src, const uint8_t* mask, int32_t width)
@@ -85,15 +83,14 @@ void MaskedFadeFloatRowVector(uint8_t* dst, const uint8_t* src, const uint8_t* m
     const int64_t step = int64_t(hn::Lanes(floats)) / 4;
     int64_t x = 0;
     for (; x + step <= width; x += step) {
-        float* const at = reinterpret_cast<float*>(dst + 16 * x);
-        const auto d = hn::LoadU(floats, at);
-        const auto s = hn::LoadU(floats, reinterpret_cast<const float*>(src + 16 * x));
+        const auto d = LoadOnce(floats, dst + 16 * x);
+        const auto s = LoadOnce(floats, src + 16 * x);
         const auto maskBytes = hn::PromoteTo(numbers, hn::LoadU(bytes, mask + 4 * x));
         const auto w = hn::Mul(hn::ConvertTo(floats, maskBytes), hn::Set(floats, kByteToUnit));
         const auto rest = hn::Sub(hn::Set(floats, 1.0f), w);
         const auto mixed = hn::Add(hn::Mul(w, s), hn::Mul(rest, d));
         const auto alpha = hn::Broadcast<3>(mixed); // a pixel is four lanes
-        hn::StoreU(hn::IfThenElse(hn::Gt(alpha, mixed), mixed, alpha), floats, at);
+        StoreBytes(hn::IfThenElse(hn::Gt(alpha, mixed), mixed, alpha), dst + 16 * x);
     }
     MaskedFadeFloatRow(dst + 16 * x, src + 16 * x, mask + 4 * x, int32_t(width - x));
 }

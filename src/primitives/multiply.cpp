@@ -5,6 +5,7 @@
 #include <hwy/highway.h>
 
 #include "primitives/arithmetic-inl.h"
+#include "primitives/row_loops-inl.h"
 
 #ifndef VX_MULTIPLY_PLAIN
 #define VX_MULTIPLY_PLAIN
@@ -78,17 +79,20 @@ namespace vx {
 namespace HWY_NAMESPACE {
 namespace {
 
-// Factors up to 1.0: the product fits a 16-bit lane, and its quotient a byte.
 constexpr uint32_t kOne = 256;
+// Factors from 0 up to which 255 k + 127 is no negative number in 32 bits.
+constexpr uint32_t kLargest = (0x7FFFFFFF - 127) / 255;
 
-template <class D>
-HWY_INLINE hn::Vec<D> MultiplyUpToOne(D bytes, hn::Vec<D> c, uint32_t k)
+// Of a product that is not negative only bits 8 to 15 are stored: 16-bit lanes may wrap. The factors are
+// those of the even and the odd bytes.
+template <class D, class V>
+HWY_INLINE hn::Vec<D> MultiplyLow(D bytes, hn::Vec<D> c, Halves<V> factor)
 {
-    const hn::Repartition<uint16_t, D> words;
-    const auto multiply = [=](auto c16) HWY_ATTR {
-        return hn::ShiftRight<8>(hn::Add(hn::Mul(c16, hn::Set(words, uint16_t(k))), hn::Set(words, 127)));
-    };
-    return OnWideLanes<uint16_t>(bytes, multiply, c);
+    const auto half = hn::Set(hn::DFromV<V>(), 127);
+    const auto c16 = Split<uint16_t>(c);
+    const auto even = hn::Add(hn::Mul(c16.even, factor.even), half);
+    const auto odd = hn::Add(hn::Mul(c16.odd, factor.odd), half);
+    return hn::OddEven(hn::BitCast(bytes, odd), hn::BitCast(bytes, hn::ShiftRight<8>(even)));
 }
 
 // Any other factor: op makes of a quotient the number whose low 8 bits are the result. The division
@@ -97,98 +101,90 @@ template <class D, class Op>
 HWY_INLINE hn::Vec<D> MultiplyAny(D bytes, hn::Vec<D> c, hn::Vec<D> limit, uint32_t k, const Op& op)
 {
     const hn::Repartition<int32_t, D> longs;
-    const auto multiply = [=](auto c32, auto limit32) HWY_ATTR {
+    const auto multiply = [=](auto c32, auto limit32) VX_LANES {
         const auto product = hn::Add(hn::Mul(c32, hn::Set(longs, int32_t(k))), hn::Set(longs, 127));
         const auto upward = hn::And(hn::BroadcastSignBit(product), hn::Set(longs, 255));
         const auto quotient = hn::ShiftRight<8>(hn::Add(product, upward));
         return hn::And(op(quotient, limit32), hn::Set(longs, 0xFF));
     };
-    return OnLongLanes(bytes, multiply, c, limit);
-}
-
-// Replaces each vector of a row's pixels by op of it. Returns how many pixels were done.
-template <class D, class Op>
-HWY_INLINE int64_t ReplacePixels(D bytes, uint8_t* row, int32_t width, const Op& op)
-{
-    const int64_t step = int64_t(hn::Lanes(bytes)) / 4;
-    int64_t x = 0;
-    for (; x + step <= width; x += step)
-        hn::StoreU(op(hn::LoadU(bytes, row + 4 * x)), bytes, row + 4 * x);
-    return x;
+    return OnLongs(bytes, multiply, c, limit);
 }
 
 void MultiplyRowVector(uint8_t* row, int32_t width, MultiplyWeights w)
 {
     const hn::ScalableTag<uint8_t> bytes;
-    const auto uncapped = [](auto quotient, auto) HWY_ATTR { return quotient; };
-    const auto multiply = [=](auto c) HWY_ATTR { return MultiplyUpToOne(bytes, c, w.fixed); };
-    const auto multiplyAny = [=](auto c) HWY_ATTR { return MultiplyAny(bytes, c, c, w.fixed, uncapped); };
-    const int64_t done = w.fixed <= kOne ? ReplacePixels(bytes, row, width, multiply)
-                                         : ReplacePixels(bytes, row, width, multiplyAny);
-    MultiplyRow(row + 4 * done, int32_t(width - done), w);
+    const auto uncapped = [](auto quotient, auto) VX_LANES { return quotient; };
+    const auto factor = hn::Set(hn::Repartition<uint16_t, decltype(bytes)>(), uint16_t(w.fixed));
+    const auto multiply = [=](auto c) VX_LANES {
+        return MultiplyLow(bytes, c, Halves<decltype(factor)>{factor, factor});
+    };
+    const auto multiplyAny = [=](auto c) VX_LANES { return MultiplyAny(bytes, c, c, w.fixed, uncapped); };
+    const int64_t count = 4 * int64_t(width);
+    const int64_t done = w.fixed <= kLargest ? ReplaceVectors(bytes, row, count, multiply)
+                                             : ReplaceVectors(bytes, row, count, multiplyAny);
+    MultiplyRow(row + done, width - int32_t(done / 4), w);
 }
 
+// A byte whose product does not fit 16 bits gives no less than any alpha. Alphas are multiplied by
+// 256, which leaves them as they are.
 void MultiplyPremultipliedRowVector(uint8_t* row, int32_t width, MultiplyWeights w)
 {
     const hn::ScalableTag<uint8_t> bytes;
+    const hn::Repartition<uint16_t, decltype(bytes)> words;
+    const hn::Repartition<uint32_t, decltype(bytes)> pixels;
     const auto toAlpha = ChannelIndexes(bytes, 3);
     const auto isAlpha = AlphaLanes(bytes);
-    const auto capped = [](auto quotient, auto alpha) HWY_ATTR { return hn::Min(quotient, alpha); };
-    const auto multiply = [=](auto c) HWY_ATTR {
-        const auto product = MultiplyUpToOne(bytes, c, w.fixed);
-        return hn::IfThenElse(isAlpha, c, hn::Min(product, hn::TableLookupBytes(c, toAlpha)));
+    const auto even = hn::Set(words, uint16_t(w.fixed));
+    const auto odd = hn::BitCast(words, hn::Set(pixels, (w.fixed & 0xFFFF) | kOne << 16));
+    const Halves<decltype(even)> factor{even, odd};
+    const auto largest = hn::Set(bytes, uint8_t(std::min(255u, (65535u - 127u) / std::max(w.fixed, 1u))));
+    const auto capped = [](auto quotient, auto alpha) VX_LANES { return hn::Min(quotient, alpha); };
+    const auto multiply = [=](auto c) VX_LANES {
+        return hn::Min(MultiplyLow(bytes, c, factor), hn::TableLookupBytes(c, toAlpha));
     };
-    const auto multiplyAny = [=](auto c) HWY_ATTR {
+    const auto multiplyLarge = [=](auto c) VX_LANES {
+        const auto alpha = hn::TableLookupBytes(c, toAlpha);
+        return hn::IfThenElse(hn::Gt(c, largest), alpha, hn::Min(MultiplyLow(bytes, c, factor), alpha));
+    };
+    const auto multiplyAny = [=](auto c) VX_LANES {
         const auto product = MultiplyAny(bytes, c, hn::TableLookupBytes(c, toAlpha), w.fixed, capped);
         return hn::IfThenElse(isAlpha, c, product);
     };
-    const int64_t done = w.fixed <= kOne ? ReplacePixels(bytes, row, width, multiply)
-                                         : ReplacePixels(bytes, row, width, multiplyAny);
-    MultiplyPremultipliedRow(row + 4 * done, int32_t(width - done), w);
+    const int64_t count = 4 * int64_t(width);
+    const int64_t done = w.fixed <= kOne       ? ReplaceVectors(bytes, row, count, multiply)
+                         : w.fixed <= kLargest ? ReplaceVectors(bytes, row, count, multiplyLarge)
+                                               : ReplaceVectors(bytes, row, count, multiplyAny);
+    MultiplyPremultipliedRow(row + done, width - int32_t(done / 4), w);
 }
 
 void MultiplyFloatRowVector(uint8_t* row, int32_t width, MultiplyWeights w)
 {
     const hn::ScalableTag<float> floats;
-    const int64_t step = int64_t(hn::Lanes(floats)) / 4;
     const auto factor = hn::Set(floats, w.real);
-    int64_t x = 0;
-    for (; x + step <= width; x += step) {
-        float* const at = reinterpret_cast<float*>(row + 16 * x);
-        hn::StoreU(hn::Mul(hn::LoadU(floats, at), factor), floats, at);
-    }
-    MultiplyFloatRow(row + 16 * x, int32_t(width - x), w);
+    const auto multiply = [=](auto c) VX_LANES { return hn::Mul(c, factor); };
+    const int64_t done = ReplaceVectors(floats, row, 16 * int64_t(width), multiply);
+    MultiplyFloatRow(row + done, width - int32_t(done / 16), w);
 }
 
+// A pixel is four lanes. Alpha, multiplied by 1, is not above itself: the last step gives it back.
 void MultiplyPremultipliedFloatRowVector(uint8_t* row, int32_t width, MultiplyWeights w)
 {
     const hn::ScalableTag<float> floats;
-    const int64_t step = int64_t(hn::Lanes(floats)) / 4;
-    const auto factor = hn::Set(floats, w.real);
-    const auto isAlpha = AlphaLanes(floats);
-    int64_t x = 0;
-    for (; x + step <= width; x += step) {
-        float* const at = reinterpret_cast<float*>(row + 16 * x);
-        const auto c = hn::LoadU(floats, at);
-        const auto product = hn::Mul(c, factor);
-        const auto alpha = hn::Broadcast<3>(c); // a pixel is four lanes
-        const auto capped = hn::IfThenElse(hn::Gt(alpha, product), product, alpha);
-        hn::StoreU(hn::IfThenElse(isAlpha, c, capped), floats, at);
-    }
-    MultiplyPremultipliedFloatRow(row + 16 * x, int32_t(width - x), w);
+    const auto factor = hn::IfThenElse(AlphaLanes(floats), hn::Set(floats, 1.0f), hn::Set(floats, w.real));
+    const auto multiply = [=](auto c) VX_LANES {
+        const auto product = hn::Mul(c, factor), alpha = hn::Broadcast<3>(c);
+        return hn::IfThenElse(hn::Gt(alpha, product), product, alpha);
+    };
+    const int64_t done = ReplaceVectors(floats, row, 16 * int64_t(width), multiply);
+    MultiplyPremultipliedFloatRow(row + done, width - int32_t(done / 16), w);
 }
 
 void MultiplyMasksRowVector(uint8_t* dst, const uint8_t* src, int32_t width)
 {
     const hn::ScalableTag<float> floats;
-    const int64_t step = int64_t(hn::Lanes(floats));
-    int64_t x = 0;
-    for (; x + step <= width; x += step) {
-        float* const at = reinterpret_cast<float*>(dst + 4 * x);
-        const auto s = hn::LoadU(floats, reinterpret_cast<const float*>(src + 4 * x));
-        hn::StoreU(hn::Mul(hn::LoadU(floats, at), s), floats, at);
-    }
-    MultiplyMasksRow(dst + 4 * x, src + 4 * x, int32_t(width - x));
+    const auto multiply = [](auto d, auto s) VX_LANES { return hn::Mul(d, s); };
+    const int64_t done = ReplaceVectors(floats, dst, 4 * int64_t(width), multiply, src);
+    MultiplyMasksRow(dst + done, src + done, width - int32_t(done / 4));
 }
 
 } // namespace
@@ -231,7 +227,7 @@ bool Multiply(void* buffer, int32_t stride, int32_t bytesPerPixel, int32_t width
         return false;
     if (IsEmpty(width, height))
         return true;
-    const MultiplyWeights weights{TruncatedWeight(factor * 256.0 + 0.5), float(factor)};
+    const MultiplyWeights weights{Truncated32(factor * 256.0 + 0.5), float(factor)};
     const MultiplyRowFn row = SelectMultiplyRow(bytesPerPixel == 16, premultiplied != 0);
     for (int32_t y = 0; y < height; ++y)
         row(RowAt(buffer, stride, y), width, weights);

@@ -5,6 +5,7 @@
 #include <hwy/highway.h>
 
 #include "primitives/arithmetic-inl.h"
+#include "primitives/row_loops-inl.h"
 
 #ifndef VX_MULTIPLY_CHANNEL_PLAIN
 #define VX_MULTIPLY_CHANNEL_PLAIN
@@ -56,45 +57,40 @@ namespace vx {
 namespace HWY_NAMESPACE {
 namespace {
 
-// A pixel is a 32-bit lane. op makes of a byte and its weight 255 times their product, which fits the lane's
-// lower half. Returns how many pixels were done in whole vectors.
+// A pixel is a 32-bit lane. op multiplies a byte by its weight. Returns how many bytes of the row were done.
 template <class Op>
 HWY_INLINE int64_t MultiplyChannelLanes(uint8_t* dst, const uint8_t* src, int32_t width, ChannelPair channel,
                                         const Op& op)
 {
     const hn::ScalableTag<int32_t> pixels;
-    const hn::Repartition<uint16_t, decltype(pixels)> words;
-    const hn::Repartition<uint8_t, decltype(pixels)> bytes;
-    const int64_t step = int64_t(hn::Lanes(pixels));
     const auto low = hn::Set(pixels, 0xFF);
     const auto others = hn::Not(hn::ShiftLeftSame(low, 8 * channel.dst));
-    int64_t x = 0;
-    for (; x + step <= width; x += step) {
-        const auto d = hn::BitCast(pixels, hn::LoadU(bytes, dst + 4 * x));
-        const auto s = hn::BitCast(pixels, hn::LoadU(bytes, src + 4 * x));
-        const auto times255 = op(hn::And(hn::ShiftRightSame(d, 8 * channel.dst), low),
-                                 hn::And(hn::ShiftRightSame(s, 8 * channel.src), low));
-        const auto product = hn::BitCast(pixels, DivideBy255(hn::BitCast(words, times255)));
-        const auto placed = hn::ShiftLeftSame(product, 8 * channel.dst);
-        hn::StoreU(hn::BitCast(bytes, hn::Or(hn::And(d, others), placed)), bytes, dst + 4 * x);
-    }
-    return x;
+    const auto multiply = [=](auto d, auto s) VX_LANES {
+        const auto product = op(hn::And(hn::ShiftRightSame(d, 8 * channel.dst), low),
+                                hn::And(hn::ShiftRightSame(s, 8 * channel.src), low));
+        return hn::Or(hn::And(d, others), hn::ShiftLeftSame(product, 8 * channel.dst));
+    };
+    return ReplaceVectors(pixels, dst, 4 * int64_t(width), multiply, src);
 }
 
 void MultiplyChannelRowVector(uint8_t* dst, const uint8_t* src, int32_t width, ChannelPair channel,
                               ScaleOffset weight)
 {
-    const auto multiply = [](auto d, auto w) HWY_ATTR { return MultiplyBytesTimes255(d, w); };
+    const auto multiply = [](auto d, auto w) VX_LANES {
+        const hn::RepartitionToNarrow<hn::RebindToUnsigned<hn::DFromV<decltype(d)>>> words;
+        return hn::BitCast(hn::DFromV<decltype(d)>(),
+                           MultiplyBytesVector(hn::BitCast(words, d), hn::BitCast(words, w)));
+    };
     const int64_t done = MultiplyChannelLanes(dst, src, width, channel, multiply);
-    MultiplyChannelRow(dst + 4 * done, src + 4 * done, int32_t(width - done), channel, weight);
+    MultiplyChannelRow(dst + done, src + done, width - int32_t(done / 4), channel, weight);
 }
 
 void MultiplyChannelScaledRowVector(uint8_t* dst, const uint8_t* src, int32_t width, ChannelPair channel,
                                     ScaleOffset weight)
 {
-    const auto multiply = [=](auto d, auto w) HWY_ATTR { return MultiplyScaledTimes255(d, w, weight); };
+    const auto multiply = [=](auto d, auto w) VX_LANES { return MultiplyScaledVector(d, w, weight); };
     const int64_t done = MultiplyChannelLanes(dst, src, width, channel, multiply);
-    MultiplyChannelScaledRow(dst + 4 * done, src + 4 * done, int32_t(width - done), channel, weight);
+    MultiplyChannelScaledRow(dst + done, src + done, width - int32_t(done / 4), channel, weight);
 }
 
 } // namespace

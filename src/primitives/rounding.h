@@ -1,4 +1,6 @@
-// The biased rounding of the primitives: value + 1.5e-8 in double, then the nearest integer.
+// From floating point to integers.
+//
+// The biased rounding of the primitives is value + 1.5e-8 in double, then the nearest integer.
 //
 // The bias turns the processor's "halves to even" into "halves up" wherever frames have halves, and
 // decides nothing else for a 32-bit float: the float next to a half is at least 2^-25 (3.0e-8) away from
@@ -15,6 +17,14 @@
 #include <limits>
 
 namespace vx {
+
+// The integer part, truncated toward zero; what lies beyond 32 bits, and a NaN, is taken as the
+// processor's conversion does: the smallest integer.
+inline uint32_t Truncated32(double value)
+{
+    const bool fits = value > -2147483649.0 && value < 2147483648.0;
+    return uint32_t(fits ? int32_t(value) : std::numeric_limits<int32_t>::min());
+}
 
 constexpr double kRoundingBias = 1.5e-8;
 

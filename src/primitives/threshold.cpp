@@ -4,6 +4,8 @@
 #include <hwy/foreach_target.h> // includes this file once for each target
 #include <hwy/highway.h>
 
+#include "primitives/row_loops-inl.h"
+
 #ifndef VX_THRESHOLD_PLAIN
 #define VX_THRESHOLD_PLAIN
 
@@ -11,8 +13,6 @@
 #include "primitives/rows.h"
 #include "primitives/unit_byte.h"
 #include "vx/channels.h"
-
-#include <cstring>
 
 namespace vx {
 namespace {
@@ -39,32 +39,23 @@ float SoftStep(float x, Ramp ramp)
     return x > 1.0f ? x : 1.0f;
 }
 
-float LoadFloat(const uint8_t* at)
+HWY_NOINLINE void SoftStepRow(uint8_t* row, int64_t bytes, Ramp ramp)
 {
-    float value;
-    std::memcpy(&value, at, sizeof(value));
-    return value;
+    for (; bytes > 0; bytes -= 4, row += 4)
+        StoreElement(row, SoftStep(LoadElement<float>(row), ramp));
 }
 
-void SoftStepRow(uint8_t* row, int64_t floats, Ramp ramp)
-{
-    for (; floats > 0; --floats, row += 4) {
-        const float value = SoftStep(LoadFloat(row), ramp);
-        std::memcpy(row, &value, sizeof(value));
-    }
-}
-
-void ClearBytesRow(uint8_t* row, int64_t bytes, uint8_t threshold)
+HWY_NOINLINE void ClearBytesRow(uint8_t* row, int64_t bytes, uint8_t threshold)
 {
     for (int64_t i = 0; i < bytes; ++i)
         row[i] = row[i] < threshold ? 0 : row[i];
 }
 
-void ClearFloatsRow(uint8_t* row, int64_t floats, float threshold)
+HWY_NOINLINE void ClearFloatsRow(uint8_t* row, int64_t bytes, float threshold)
 {
-    for (; floats > 0; --floats, row += 4)
-        if (LoadFloat(row) < threshold)
-            std::memset(row, 0, sizeof(float));
+    for (; bytes > 0; bytes -= 4, row += 4)
+        if (LoadElement<float>(row) < threshold)
+            StoreElement(row, 0.0f);
 }
 
 } // namespace
@@ -77,58 +68,41 @@ namespace vx {
 namespace HWY_NAMESPACE {
 namespace {
 
-namespace hn = hwy::HWY_NAMESPACE;
-
-using Bytes = hn::ScalableTag<uint8_t>;
-using Floats = hn::Repartition<float, Bytes>;
-constexpr int64_t kFloats = hn::MaxLanes(Floats());
-
-HWY_INLINE hn::Vec<Floats> LoadFloats(const uint8_t* at)
+void SoftStepRowVector(uint8_t* row, int64_t bytes, Ramp ramp)
 {
-    return hn::BitCast(Floats(), hn::LoadU(Bytes(), at));
-}
-
-HWY_INLINE void StoreFloats(hn::Vec<Floats> value, uint8_t* at)
-{
-    hn::StoreU(hn::BitCast(Bytes(), value), Bytes(), at);
-}
-
-void SoftStepRowVector(uint8_t* row, int64_t floats, Ramp ramp)
-{
-    const Floats lanes;
-    const auto low = hn::Set(lanes, ramp.low);
-    const auto high = hn::Set(lanes, ramp.high);
-    const auto gain = hn::Set(lanes, ramp.gain);
-    const auto one = hn::Set(lanes, 1.0f);
-    for (; floats >= kFloats; floats -= kFloats, row += 4 * kFloats) {
-        const auto x = LoadFloats(row);
+    const hn::ScalableTag<float> floats;
+    const auto low = hn::Set(floats, ramp.low);
+    const auto high = hn::Set(floats, ramp.high);
+    const auto gain = hn::Set(floats, ramp.gain);
+    const auto one = hn::Set(floats, 1.0f);
+    const auto softStep = [=](auto x) VX_LANES {
         const auto rising = hn::Mul(hn::Sub(x, low), gain);
         const auto top = hn::IfThenElse(hn::Gt(x, one), x, one);
         const auto step = hn::IfThenElse(hn::Ge(x, high), top, rising);
-        StoreFloats(hn::IfThenZeroElse(hn::Gt(low, x), step), row);
-    }
-    SoftStepRow(row, floats, ramp);
+        return hn::IfThenZeroElse(hn::Gt(low, x), step);
+    };
+    const int64_t done = ReplaceVectors(floats, row, bytes, softStep);
+    SoftStepRow(row + done, bytes - done, ramp);
 }
 
 void ClearBytesRowVector(uint8_t* row, int64_t bytes, uint8_t threshold)
 {
-    constexpr int64_t kBytes = hn::MaxLanes(Bytes());
-    const auto limit = hn::Set(Bytes(), threshold);
-    for (; bytes >= kBytes; bytes -= kBytes, row += kBytes) {
-        const auto value = hn::LoadU(Bytes(), row);
-        hn::StoreU(hn::IfThenElseZero(hn::Eq(hn::Max(value, limit), value), value), Bytes(), row);
-    }
-    ClearBytesRow(row, bytes, threshold);
+    const hn::ScalableTag<uint8_t> lanes;
+    const auto limit = hn::Set(lanes, threshold);
+    const auto clear = [=](auto value) VX_LANES {
+        return hn::IfThenElseZero(hn::Eq(hn::Max(value, limit), value), value);
+    };
+    const int64_t done = ReplaceVectors(lanes, row, bytes, clear);
+    ClearBytesRow(row + done, bytes - done, threshold);
 }
 
-void ClearFloatsRowVector(uint8_t* row, int64_t floats, float threshold)
+void ClearFloatsRowVector(uint8_t* row, int64_t bytes, float threshold)
 {
-    const auto limit = hn::Set(Floats(), threshold);
-    for (; floats >= kFloats; floats -= kFloats, row += 4 * kFloats) {
-        const auto value = LoadFloats(row);
-        StoreFloats(hn::IfThenZeroElse(hn::Lt(value, limit), value), row);
-    }
-    ClearFloatsRow(row, floats, threshold);
+    const hn::ScalableTag<float> floats;
+    const auto limit = hn::Set(floats, threshold);
+    const auto clear = [=](auto value) VX_LANES { return hn::IfThenZeroElse(hn::Lt(value, limit), value); };
+    const int64_t done = ReplaceVectors(floats, row, bytes, clear);
+    ClearFloatsRow(row + done, bytes - done, threshold);
 }
 
 } // namespace
@@ -147,10 +121,13 @@ HWY_EXPORT(ClearFloatsRowVector);
 
 // The operations treat the four channels of a pixel alike: a row is just elements.
 template <class RowFn, class Parameter>
-void ForEachRow(void* buffer, int32_t stride, int32_t width, int32_t height, RowFn row, Parameter parameter)
+void ForEachRow(void* buffer, int32_t stride, int32_t width, int32_t height, int32_t bytesPerPixel, RowFn row,
+                Parameter parameter)
 {
+    if (IsEmpty(width, height))
+        return;
     for (int32_t y = 0; y < height; ++y)
-        row(RowAt(buffer, stride, y), int64_t(width) * 4, parameter);
+        row(RowAt(buffer, stride, y), int64_t(width) * bytesPerPixel, parameter);
 }
 
 } // namespace
@@ -160,7 +137,7 @@ bool ThresholdFloat(void* buffer, int32_t stride, int32_t width, int32_t height,
 {
     using namespace vx;
     const auto row = VX_VECTOR_FORM(SoftStepRowVector, SoftStepRow);
-    ForEachRow(buffer, stride, width, height, row, MakeRamp(low, high));
+    ForEachRow(buffer, stride, width, height, 16, row, MakeRamp(low, high));
     return true;
 }
 
@@ -170,12 +147,12 @@ bool ThresholdClear(void* buffer, int32_t stride, int32_t bytesPerPixel, int32_t
     using namespace vx;
     if (bytesPerPixel == 4) {
         const auto row = VX_VECTOR_FORM(ClearBytesRowVector, ClearBytesRow);
-        ForEachRow(buffer, stride, width, height, row, UnitByte(threshold));
+        ForEachRow(buffer, stride, width, height, bytesPerPixel, row, UnitByte(threshold));
         return true;
     }
     if (bytesPerPixel == 16) {
         const auto row = VX_VECTOR_FORM(ClearFloatsRowVector, ClearFloatsRow);
-        ForEachRow(buffer, stride, width, height, row, threshold);
+        ForEachRow(buffer, stride, width, height, bytesPerPixel, row, threshold);
         return true;
     }
     return false;

@@ -1,18 +1,11 @@
-// Integer weights from the double arguments of the primitives, and the roundings that they share.
+// Weights from the double arguments of the primitives.
 #pragma once
 
+#include "primitives/rounding.h"
+
 #include <cstdint>
-#include <limits>
 
 namespace vx {
-
-// The integer part, truncated toward zero; what lies beyond 32 bits, and a NaN, is taken as the
-// processor's conversion does: the smallest integer.
-inline uint32_t TruncatedWeight(double value)
-{
-    const bool fits = value > -2147483649.0 && value < 2147483648.0;
-    return uint32_t(fits ? int32_t(value) : std::numeric_limits<int32_t>::min());
-}
 
 // A mask byte w weighs (w scale + offset) / (255 * 1024).
 struct ScaleOffset
@@ -23,7 +16,7 @@ struct ScaleOffset
 
 inline ScaleOffset ScaleOffsetOf(double scale, double offset)
 {
-    return {TruncatedWeight(scale * 1024.0), TruncatedWeight(offset * 1024.0)};
+    return {Truncated32(scale * 1024.0), Truncated32(offset * 1024.0)};
 }
 
 // So near to scale 1 and offset 0 that a mask byte weighs w / 255.

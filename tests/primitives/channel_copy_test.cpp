@@ -1,6 +1,6 @@
 #include "vx/channels.h"
 
-#include "primitives/every_form.h"
+#include "support/forms.h"
 
 #include <cstdlib>
 
@@ -57,7 +57,7 @@ TEST(ChannelCopy, EveryFormCopiesOneByteAPixel)
 
 TEST(ChannelCopy, WorksBetweenChannelsOfOneFrame)
 {
-    ExpectInEveryForm(
+    ExpectPixelByPixel(
         4, LeaveRandom,
         [](Frame& f) {
             uint8_t* frame = f.Row(0);

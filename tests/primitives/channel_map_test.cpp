@@ -1,10 +1,9 @@
 #include "vx/channels.h"
 
-#include "primitives/every_form.h"
+#include "support/forms.h"
 #include "vx/platform/debug.h"
 
 #include <algorithm>
-#include <gmock/gmock.h>
 #include <string>
 
 namespace {
@@ -39,13 +38,13 @@ TEST(ChannelMap, EveryFormInPlaceAndIntoAnotherFrame)
     const OddTable table(1024);
     for (int32_t channel = 0; channel < 4; ++channel) {
         const auto mapped = [&](uint8_t* pixel) { std::memcpy(pixel, table.Entry(pixel[channel]), 4); };
-        ExpectInEveryForm(
+        ExpectPixelByPixel(
             4, LeaveRandom,
             [&](Frame& f) {
                 return ChannelMap(f.Data(), f.Stride(), channel, f.Width(), f.Height(), table.As<uint32_t>());
             },
             mapped);
-        ExpectInEveryForm(
+        ExpectPixelByPixel(
             4, LeaveRandom,
             [&](Frame& f) {
                 const Frame src = f;
@@ -71,7 +70,7 @@ TEST(ChannelMergeLut, EveryForm)
 {
     const OddTable table(1024);
     for (const int32_t count : {-1, 0, 1, 2, 3, 4, 5, 1000})
-        ExpectInEveryForm(
+        ExpectPixelByPixel(
             4, DarkenHalf,
             [&](Frame& f) {
                 return ChannelMergeLut(f.Data(), f.Stride(), count, f.Width(), f.Height(),
@@ -132,7 +131,7 @@ TEST(ChannelMapExFloat, EveryArrangement)
 {
     constexpr int32_t kEntries = 300;
     const OddTable table(kEntries * 16);
-    ExpectInEveryForm(
+    ExpectPixelByPixel(
         16, [](Frame& f, Random& random) { f.FillFloats(random, -0.2f, 1.2f); },
         [&](Frame& f) {
             return ChannelMapExFloat(f.Data(), f.Stride(), f.Data(), f.Stride(), 2, f.Width(), f.Height(),

@@ -1,6 +1,6 @@
 #include "vx/channels.h"
 
-#include "primitives/every_form.h"
+#include "support/forms.h"
 
 #include <climits>
 
@@ -34,12 +34,12 @@ TEST(Fill, EightBitTable)
 TEST(Fill, EveryForm)
 {
     const uint8_t word[4] = {51, 102, 153, 204};
-    ExpectInEveryForm(
+    ExpectPixelByPixel(
         4, LeaveRandom,
         [](Frame& f) { return Fill(f.Data(), f.Stride(), 4, f.Width(), f.Height(), 0.8f, 0.6f, 0.4f, 0.2f); },
         [&](uint8_t* pixel) { std::memcpy(pixel, word, 4); });
     const float floats[4] = {NAN, -2.0f, 1e30f, 4.0f};
-    ExpectInEveryForm(
+    ExpectPixelByPixel(
         16, LeaveRandom,
         [](Frame& f) {
             return Fill(f.Data(), f.Stride(), 16, f.Width(), f.Height(), 4.0f, 1e30f, -2.0f, NAN);

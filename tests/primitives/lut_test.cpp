@@ -1,6 +1,6 @@
 #include "vx/channels.h"
 
-#include "primitives/every_form.h"
+#include "support/forms.h"
 
 #include <algorithm>
 
@@ -20,7 +20,7 @@ std::vector<uint8_t> RandomTable()
 TEST(Lut, EveryForm)
 {
     const std::vector<uint8_t> table = RandomTable();
-    ExpectInEveryForm(
+    ExpectPixelByPixel(
         4, LeaveRandom,
         [&](Frame& f) { return Lut(f.Data(), f.Stride(), f.Width(), f.Height(), table.data()); },
         [&](uint8_t* pixel) {
@@ -32,7 +32,7 @@ TEST(Lut, EveryForm)
 TEST(LutWithAlphaClamp, EveryForm)
 {
     const std::vector<uint8_t> table = RandomTable();
-    ExpectInEveryForm(
+    ExpectPixelByPixel(
         4, LeaveRandom,
         [&](Frame& f) {
             return LutWithAlphaClamp(f.Data(), f.Stride(), f.Width(), f.Height(), table.data());

@@ -14,13 +14,13 @@ struct Scale
     double scale, offset;
 };
 
-// Both limits of the plain product and what lies beyond them, sums that leave 0 to 255, and products
+// Both limits of the plain product and what lies beyond them, sums within 0 to 255 and beyond, and products
 // beyond 32 bits, the last ones with weights that do not fit themselves.
 constexpr Scale kScales[] = {
-    {1.0, 0.0},      {0.9999, 0.0001}, {1.0001, -0.0001},  {1.0002, 0.0},      {1.001, 0.0},
-    {0.99989, 0.0},  {1.0, 0.02},      {0.5, 10.0},        {2.0, -100.0},      {-1.0, 255.0},
-    {0.0, 300.0},    {33.0, 0.0},      {1.0, 200.5},       {0.0, 8200.0},      {5000.0, 3.0},
-    {0.0, -40000.0}, {1e9, -1.0e300},  {double(NAN), 1.0}, {1.0, double(NAN)},
+    {1.0, 0.0},      {0.9999, 0.0001},   {1.0001, -0.0001},  {1.0002, 0.0}, {1.001, 0.0}, {0.99989, 0.0},
+    {1.0, 0.02},     {0.5, 10.0},        {2.0, -100.0},      {-1.0, 255.0}, {0.0, 300.0}, {33.0, 0.0},
+    {1.0, 200.5},    {0.0, 8200.0},      {5000.0, 3.0},      {-0.7, 200.3}, {0.3, 178.6}, {0.0, -40000.0},
+    {1e9, -1.0e300}, {double(NAN), 1.0}, {1.0, double(NAN)},
 };
 
 // What a byte d becomes under a mask byte w.

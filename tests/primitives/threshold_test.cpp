@@ -1,6 +1,6 @@
 #include "vx/channels.h"
 
-#include "primitives/every_form.h"
+#include "support/forms.h"
 
 namespace {
 
@@ -65,8 +65,8 @@ TEST(ThresholdFloat, EveryForm)
     for (const auto& [low, high] :
          {std::pair(0.1, 0.9), std::pair(0.5, 0.5), std::pair(-1.0, 3.0), std::pair(0.8, 0.2),
           std::pair(double(NAN), 1.0), std::pair(0.0, double(NAN))})
-        ExpectInEveryForm(
-            16, [](Frame& f, Random& random) { FillSpecialFloats(f, random, -0.5f, 1.5f); },
+        ExpectPixelByPixel(
+            16, [](Frame& f, Random& random) { FillHardFloats(f, random, -0.5f, 1.5f, Nans::Any); },
             [low = low, high = high](Frame& f) {
                 return ThresholdFloat(f.Data(), f.Stride(), f.Width(), f.Height(), low, high);
             },
@@ -94,7 +94,7 @@ TEST(ThresholdClear, BytesBelowTheThresholdsLowByte)
                               {NAN, 0},
                               {INFINITY, 0},
                               {1e20f, 0}})
-        ExpectInEveryForm(
+        ExpectPixelByPixel(
             4, LeaveRandom,
             [&](Frame& f) {
                 return ThresholdClear(f.Data(), f.Stride(), 4, f.Width(), f.Height(), c.threshold);
@@ -108,8 +108,8 @@ TEST(ThresholdClear, BytesBelowTheThresholdsLowByte)
 TEST(ThresholdClear, FloatsBelowTheThreshold)
 {
     for (const float threshold : {0.0f, 0.5f, -1.0f, NAN, INFINITY, -INFINITY})
-        ExpectInEveryForm(
-            16, [](Frame& f, Random& random) { FillSpecialFloats(f, random, -0.5f, 1.5f); },
+        ExpectPixelByPixel(
+            16, [](Frame& f, Random& random) { FillHardFloats(f, random, -0.5f, 1.5f, Nans::Any); },
             [&](Frame& f) {
                 return ThresholdClear(f.Data(), f.Stride(), 16, f.Width(), f.Height(), threshold);
             },
@@ -159,8 +159,8 @@ TEST(ClipRestore, EveryForm)
 {
     for (const auto& [limit, floor] : {std::pair(0.7, 0.3), std::pair(-0.1, 2.0), std::pair(double(NAN), 0.5),
                                        std::pair(0.5, double(NAN)), std::pair(double(INFINITY), 0.0)})
-        ExpectInEveryForm(
-            16, [](Frame& f, Random& random) { FillSpecialFloats(f, random, -20.0f, 300.0f); },
+        ExpectPixelByPixel(
+            16, [](Frame& f, Random& random) { FillHardFloats(f, random, -20.0f, 300.0f, Nans::Any); },
             [limit = limit, floor = floor](Frame& f) {
                 return ClipRestore(f.Data(), f.Stride(), f.Width(), f.Height(), limit, floor);
             },

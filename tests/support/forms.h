@@ -45,17 +45,72 @@ void ForEveryShape(const Check& check)
         }
 }
 
-// Ordinary values, and one in four from those that go wrong first. The NaN is the one that the
-// processor itself makes, as which of two different ones comes out is open.
-inline void FillHardFloats(Frame& frame, Random& random)
+template <class PixelFn>
+void ForEachPixel(Frame& frame, const PixelFn& pixel)
+{
+    for (int32_t y = 0; y < frame.Height(); ++y)
+        for (int32_t x = 0; x < frame.Width(); ++x)
+            pixel(frame.Pixel(x, y));
+}
+
+inline void LeaveRandom(Frame&, Random&) {}
+
+// For work in place on single pixels: prepare(frame, random) fills random frames further, operation(frame)
+// calls the primitive, and pixel(bytes) is a slow account of what it does to one pixel.
+template <class Prepare, class Operation, class PixelFn>
+void ExpectPixelByPixel(int32_t bytesPerPixel, const Prepare& prepare, const Operation& operation,
+                        const PixelFn& pixel)
+{
+    Random random;
+    const auto check = [&](int32_t width, Rows rows) {
+        Frame before(width, 3, bytesPerPixel, rows, random);
+        prepare(before, random);
+        Frame want = before;
+        ForEachPixel(want, pixel);
+        ExpectInEveryForm(before, want, operation);
+    };
+    ForEveryShape(check);
+    check(133, Rows::Wide); // beyond two of the longest steps
+}
+
+enum class Nans
+{
+    OfProcessor, // the one that the processor itself makes: which of two different ones comes out is open
+    Any,
+};
+
+// Ordinary values, and one in four from those that go wrong first.
+inline void FillHardFloats(Frame& frame, Random& random, float first = -0.5f, float last = 1.5f,
+                           Nans nans = Nans::OfProcessor)
 {
     const volatile float infinity = std::numeric_limits<float>::infinity();
-    const float hard[] = {0.0f, -0.0f, 1.0f, infinity, -infinity, infinity * 0.0f, 1e-41f, 3e38f, -3e38f};
-    frame.FillFloats(random, -0.5f, 1.5f);
+    const float hard[] = {0.0f,           -0.0f,
+                          1.0f,           std::nextafter(1.0f, 2.0f),
+                          0.5f,           std::nextafter(0.5f, 0.0f),
+                          infinity,       -infinity,
+                          1e-41f,         -1e-41f,
+                          3e38f,          -3e38f,
+                          infinity * 0.0f};
+    frame.FillFloats(random, first, last);
     for (int32_t y = 0; y < frame.Height(); ++y)
-        for (int32_t i = 0; i < int32_t(frame.RowBytes() / sizeof(float)); ++i)
+        for (int32_t i = 0; i < int32_t(frame.RowBytes() / sizeof(float)); ++i) {
             if (random.Int(0, 3) == 0)
                 frame.Set(i, y, hard[random.Int(0, int32_t(std::size(hard)) - 1)]);
+            if (nans == Nans::Any && random.Int(0, 15) == 0)
+                frame.Set(i, y, uint32_t(random.Next()) | 0x7F800001u);
+        }
+}
+
+// A pixel's float, wherever it stands.
+inline float GetFloat(const uint8_t* pixel, int channel)
+{
+    float value;
+    std::memcpy(&value, pixel + 4 * channel, sizeof(value));
+    return value;
+}
+inline void SetFloat(uint8_t* pixel, int channel, float value)
+{
+    std::memcpy(pixel + 4 * channel, &value, sizeof(value));
 }
 
 // A 256x256 frame that holds every pair of bytes with that of another one: channel c of pixel (x, y) is
