@@ -77,10 +77,10 @@ void ForEveryPair(int32_t rounds, int32_t most, const Check& check)
 
 TEST(DibCopy, EveryPairOfTypesAtEqualSize)
 {
-    ForEveryPair(8, 24, [](const Picture& dest, const Picture& source, Random& random) {
+    ForEveryPair(16, 24, [](const Picture& dest, const Picture& source, Random& random) {
         CopyArguments a = RandomArguments(random, dest, source);
-        const int32_t width = std::min(dest.Width(), source.Width());
-        const int32_t height = std::min(dest.Height(), source.Height());
+        const int32_t width = random.Int(1, std::min(dest.Width(), source.Width()));
+        const int32_t height = random.Int(1, std::min(dest.Height(), source.Height()));
         const auto inside = [&](const Picture& p) {
             const int32_t left = random.Int(0, p.Width() - width), top = random.Int(0, p.Height() - height);
             return RECT{left, top, left + width, top + height};
