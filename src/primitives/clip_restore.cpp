@@ -28,7 +28,7 @@ HWY_NOINLINE void ClipRestoreRow(uint8_t* row, int32_t width, ClipBounds bounds)
 {
     for (int32_t x = 0; x < width; ++x, row += 16) {
         const float alpha = LoadElement<float>(row + 12);
-        const float restored = bounds.floor > alpha ? bounds.floor : alpha;
+        const float restored = EitherFloat(bounds.floor > alpha, bounds.floor, alpha);
         for (int c = 0; c < 3; ++c)
             if (LoadElement<float>(row + 4 * c) > bounds.limit)
                 StoreElement(row + 4 * c, restored);

@@ -46,7 +46,7 @@ HWY_NOINLINE void MaskedFadeFloatRow(uint8_t* dst, const uint8_t* src, const uin
         for (int c = 0; c < 3; ++c) {
             const float v =
                 MixFloats(LoadElement<float>(dst + 4 * c), LoadElement<float>(src + 4 * c), mask[c]);
-            StoreElement(dst + 4 * c, alpha > v ? v : alpha);
+            StoreElement(dst + 4 * c, EitherFloat(alpha > v, v, alpha));
         }
         StoreElement(dst + 12, alpha);
     }

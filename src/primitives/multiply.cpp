@@ -59,7 +59,7 @@ HWY_NOINLINE void MultiplyPremultipliedFloatRow(uint8_t* row, int32_t width, Mul
         for (int c = 0; c < 3; ++c) {
             const float v = LoadElement<float>(row + 4 * c) * w.real;
             const float alpha = LoadElement<float>(row + 12);
-            StoreElement(row + 4 * c, alpha > v ? v : alpha);
+            StoreElement(row + 4 * c, EitherFloat(alpha > v, v, alpha));
         }
 }
 

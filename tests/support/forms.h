@@ -9,6 +9,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <limits>
+#include <xmmintrin.h>
 
 namespace vxtest {
 
@@ -30,6 +31,32 @@ void ExpectInEveryForm(const Frame& before, const Frame& want, const Call& call)
         ASSERT_TRUE(call(got));
         ASSERT_EQ(got, want) << "in the form " << form.name;
     }
+}
+
+// While it lives, the calling thread flushes denormals, as it does once the processor was probed on it.
+class FlushedDenormals
+{
+public:
+    FlushedDenormals() : saved_(_mm_getcsr()) { _mm_setcsr(saved_ | 0x8040); }
+    ~FlushedDenormals() { _mm_setcsr(saved_); }
+    FlushedDenormals(const FlushedDenormals&) = delete;
+    FlushedDenormals& operator=(const FlushedDenormals&) = delete;
+
+private:
+    unsigned saved_;
+};
+
+// The vector forms against the plain one where denormals are flushed: call(dst) as above.
+template <class Call>
+void ExpectSameFlushed(const Frame& before, const Call& call)
+{
+    const FlushedDenormals flushed;
+    Frame want = before;
+    {
+        const OnlyLevel only(kPlain);
+        call(want);
+    }
+    ExpectInEveryForm(before, want, call);
 }
 
 // check(width, rows) for every width that fills vectors and leaves a rest, in every arrangement.
