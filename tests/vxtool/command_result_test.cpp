@@ -24,6 +24,8 @@ constexpr ResultCase kResults[] = {
      0x64C8C8FF},
     {"composite a.png b.png out.png", 0x102030FF, 0xFF000080, 0, 0x881018FF},
     {"composite a.png b.png out.png --mode destination-over", 0xFF000080, 0x102030FF, 0, 0x881018FF},
+    {"composite a.png b.png out.png --mode add", 0xC81020FF, 0x641020FF, 0, 0xFF2040FF},
+    {"composite a.png b.png out.png --mode average", 0x010000FF, 0x0200FFFF, 0, 0x01007FFF},
     {"composite a.png b.png out.png --mode multiply", 0x80FF00FF, 0x80FF80FF, 0, 0x40FF00FF},
     {"composite a.png b.png out.png --mode overlay", 0x804000FF, 0x8080FFFF, 0, 0x814000FF},
     {"composite a.png b.png out.png --mode screen", 0x800000FF, 0x8000FFFF, 0, 0xC000FFFF},

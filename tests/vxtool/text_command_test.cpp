@@ -154,6 +154,8 @@ TEST_F(TextCommand, RequestsThatContradictAreRefused)
         {"print '%d%d%d%d%d%d%d%d%d' 1 2 3 4 5 6 7 8 9", "passes at most 8 arguments"},
         {"print %c ab", "a %c takes one character, not 'ab'"},
         {"print \"$(printf '\\355\\240\\200')\"", "is not UTF-8"}, // half a pair of surrogates
+        {"print \"$(printf '\\300\\257')\"", "is not UTF-8"},      // a slash in two bytes
+        {"print \"$(printf 'a\\303')\"", "is not UTF-8"},
         {"print x --token =v", "--token takes NAME=VALUE, not '=v'"},
     };
     Expect(2, kCases);
