@@ -1,8 +1,6 @@
 // The published kernels and the row kernels against the model, over every type, depth and bit offset.
 #include "record.h"
-#include "support/vector_levels.h"
-
-#include <gtest/gtest.h>
+#include "support/forms.h"
 
 namespace {
 
@@ -14,28 +12,21 @@ std::string Name(const Job& job)
            std::to_string(job.record.flags) + " depth " + std::to_string(job.record.depth);
 }
 
-// Bits at which a pixel of a type may begin in a byte.
-std::vector<int64_t> StartBits(int32_t bits)
-{
-    std::vector<int64_t> starts;
-    for (int64_t bit = 0; bit < 8; bit += bits)
-        starts.push_back(bit);
-    return starts;
-}
-
-constexpr double kGammas[] = {1.0, 2.2, 0.5};
-
+// Every type with partners and flags that choose the row: 16 bits picked and interpolated, 8 bits, float.
 template <class Check>
 void ForEachJob(bool reading, const Check& check)
 {
     Random random;
-    for (const RowCase& c : AllRowCases())
-        for (const double gamma : kGammas) {
-            const Job job(reading ? c.partner : c.type, reading ? c.type : c.partner, c.flags, random, gamma);
-            if (gamma == 1.0 || ModelOf(c.type).kind == Kind::Float)
-                for (const int64_t start : StartBits(ModelOf(c.type).bits))
-                    check(job, start, random);
-        }
+    for (int32_t type = VXPIXEL_PAL1; type <= VXPIXEL_RGBA128; ++type)
+        for (const int32_t partner : {VXPIXEL_RGBA32, VXPIXEL_RGBA64, VXPIXEL_RGBA128})
+            for (const uint32_t flags : {1u, 3u, 4u})
+                for (const double gamma : {1.0, 2.2, 0.5}) {
+                    if (gamma != 1.0 && ModelOf(type).kind != Kind::Float)
+                        continue;
+                    const Job job(reading ? partner : type, reading ? type : partner, flags, random, gamma);
+                    for (int64_t start = 0; start < 8; start += ModelOf(type).bits) // in a byte
+                        check(job, start, random);
+                }
 }
 
 TEST(Exchange, SinglePixelsAndGroupsReadAsTheModel)
@@ -69,35 +60,18 @@ Channels RandomWorking(int32_t depth, Random& random)
     return pixel;
 }
 
-void StoreWorking(void* pixels, int32_t depth, size_t stride, size_t i, const Channels& pixel)
-{
-    auto* const p = static_cast<uint8_t*>(pixels) + stride * i;
-    for (size_t c = 0; c < 4; ++c) {
-        const auto value = float(pixel[c]);
-        const auto word = uint16_t(depth == 2 ? 0.0 : pixel[c]);
-        if (depth == 0)
-            p[c] = uint8_t(pixel[c]);
-        else
-            std::memcpy(p + (depth == 1 ? 2 : 4) * c, depth == 1 ? static_cast<const void*>(&word) : &value,
-                        depth == 1 ? 2 : 4);
-    }
-}
-
 TEST(Exchange, SinglePixelsAndGroupsWriteAsTheModelAndKeepTheirNeighbours)
 {
     ForEachJob(false, [](const Job& job, int64_t start, Random& random) {
         const int32_t bits = ModelOf(job.record.destType).bits, depth = job.record.depth;
-        std::vector<uint8_t> row(size_t(start + 8 * bits + 7) / 8 + 1), want;
-        for (uint8_t& byte : row)
-            byte = random.Byte();
-        want = row;
+        auto row = RandomBytes(size_t(start + 8 * bits + 7) / 8 + 1, random), want = row;
         tVXXCHG x = job.record;
         x.dest = row.data();
         x.destBit = uint32_t(start);
         for (int64_t first = 0; first < 8; first += first < 4 ? 4 : 1) {
             for (int64_t i = 0; i < (first < 4 ? 4 : 1); ++i) {
                 const Channels pixel = RandomWorking(depth, random);
-                StoreWorking(x.slots, depth, depth == 2 ? 16 : 8, size_t(i), pixel);
+                PutSlot(x, size_t(i), pixel);
                 ModelWrite(job.Writing(), want.data(), start + (first + i) * bits, pixel);
             }
             (first < 4 ? x.writeQuad : x.writePixel)(&x);
@@ -108,23 +82,14 @@ TEST(Exchange, SinglePixelsAndGroupsWriteAsTheModelAndKeepTheirNeighbours)
     });
 }
 
-// The mix of a block by the integer weights, in exact arithmetic; at float depth in float.
-Channels MixOf(const Channels& p00, const Channels& p10, const Channels& p01, const Channels& p11,
-               uint32_t fx, uint32_t fy, int32_t depth)
+// At float depth the mix is made in float.
+Channels FloatMixOf(const Channels (&p)[4], const tVXXCHG& x)
 {
     Channels out;
-    const double x = fx, y = fy, one = 16384.0;
-    const double w[] = {std::floor((one - x) * (one - y) / one), std::floor(x * (one - y) / one),
-                        std::floor((one - x) * y / one), std::floor(x * y / one)};
-    const float u = float(fx) / 16384.0f, v = float(fy) / 16384.0f;
-    const float f[] = {(1 - u) * (1 - v), u * (1 - v), (1 - u) * v, u * v};
-    for (size_t c = 0; c < 4; ++c) {
-        if (depth == 2)
-            out[c] =
-                f[0] * float(p00[c]) + f[1] * float(p10[c]) + f[2] * float(p01[c]) + f[3] * float(p11[c]);
-        else
-            out[c] = std::floor((p00[c] * w[0] + p10[c] * w[1] + p01[c] * w[2] + p11[c] * w[3]) / one);
-    }
+    const float u = float(x.fractionX) / 16384.0f, v = float(x.fractionY) / 16384.0f;
+    for (size_t c = 0; c < 4; ++c)
+        out[c] = (1 - u) * (1 - v) * float(p[0][c]) + u * (1 - v) * float(p[1][c]) +
+                 (1 - u) * v * float(p[2][c]) + u * v * float(p[3][c]);
     return out;
 }
 
@@ -152,14 +117,13 @@ TEST(Exchange, InterpolatingReadsMixTheModelsPixels)
         x.rowOffset = int32_t(pitch);
         x.fractionX = random.Int(0, 3) ? uint32_t(random.Int(0, 16383)) : 0;
         x.fractionY = random.Int(0, 3) ? uint32_t(random.Int(0, 16383)) : 0;
-        const Channels p00 = ModelRead(exact, image.data(), start),
-                       p10 = ModelRead(exact, image.data(), start + bits);
-        const Channels p01 = ModelRead(exact, image.data() + pitch, start),
-                       p11 = ModelRead(exact, image.data() + pitch, start + bits);
+        const uint8_t* const below = image.data() + pitch;
+        const Channels block[] = {ModelRead(exact, image.data(), start),
+                                  ModelRead(exact, image.data(), start + bits),
+                                  ModelRead(exact, below, start), ModelRead(exact, below, start + bits)};
         x.readBlock(&x);
-        ASSERT_TRUE(Same(Slot(x, 0), p00) && Same(Slot(x, 1), p10) && Same(Slot(x, 2), p01) &&
-                    Same(Slot(x, 3), p11))
-            << Name(job);
+        for (size_t i = 0; i < 4; ++i)
+            ASSERT_TRUE(Same(Slot(x, i), block[i])) << Name(job);
         if (!(x.flags & VXXCHGF_INTERPOLATE)) {
             ASSERT_TRUE(x.readFiltered == x.readPixel && x.readLine == x.readPixel &&
                         x.readReduce == x.readPixel)
@@ -167,10 +131,11 @@ TEST(Exchange, InterpolatingReadsMixTheModelsPixels)
             return;
         }
         x.readFiltered(&x);
-        ASSERT_TRUE(Same(Slot(x, 0), MixOf(p00, p10, p01, p11, x.fractionX, x.fractionY, depth)))
+        ASSERT_TRUE(Same(Slot(x, 0), depth == 2 ? FloatMixOf(block, x) : MixOf(block, WeightsOf(x))))
             << Name(job) << ", bit " << start;
         x.readLine(&x);
-        ASSERT_TRUE(Same(Slot(x, 0), LineOf(p00, p01, x.fractionY, depth))) << Name(job) << ", bit " << start;
+        ASSERT_TRUE(Same(Slot(x, 0), LineOf(block[0], block[2], x.fractionY, depth)))
+            << Name(job) << ", bit " << start;
         ASSERT_EQ(x.source, image.data()) << Name(job);
         const bool boxed = depth == 0 && x.sourceType == VXPIXEL_RGB24;
         ASSERT_EQ(x.readReduce != x.readFiltered, boxed) << Name(job);
@@ -192,8 +157,8 @@ TEST(Exchange, BoxAverageTakesWholePixelsInsideTheBox)
         x.reduceWidth = uint32_t(random.Int(0, kWidth * 16384 - int32_t(x.fractionX)));
         x.reduceHeight = uint32_t(random.Int(0, kHeight * 16384 - int32_t(x.fractionY)));
         if (round % 3 == 0) // whole pixels, where the ends matter
-            x.fractionX &= ~16383u, x.fractionY &= ~16383u, x.reduceWidth &= ~16383u,
-                x.reduceHeight &= ~16383u;
+            for (uint32_t* const place : {&x.fractionX, &x.fractionY, &x.reduceWidth, &x.reduceHeight})
+                *place &= ~16383u;
         Channels sum{};
         int32_t count = 0;
         for (int32_t row = 0; row < kHeight; ++row)
@@ -215,64 +180,53 @@ TEST(Exchange, BoxAverageTakesWholePixelsInsideTheBox)
 
 constexpr int32_t kCounts[] = {0, 1, 2, 3, 5, 7, 8, 9, 15, 16, 17, 31, 33, 63, 64, 65, 70, 127, 130, 256};
 
-std::vector<VectorLevel> AllLevels()
+// check(job, first bit, count, random) for rows that begin anywhere in their first four bytes.
+template <class Check>
+void ForEachRun(bool reading, const Check& check)
 {
-    auto levels = VectorLevels();
-    levels.push_back(kPlain);
-    return levels;
+    for (const VectorLevel& level : AllForms()) {
+        const OnlyLevel only(level);
+        SCOPED_TRACE(level.name);
+        ForEachJob(reading, [&check](const Job& job, int64_t start, Random& random) {
+            for (const int32_t count : kCounts)
+                check(job, start + 8 * random.Int(0, 3), count, random);
+        });
+    }
 }
 
 TEST(ExchangeRuns, ReadAsTheModelAtEveryLevelWithinTheirBytes)
 {
-    for (const VectorLevel& level : AllLevels()) {
-        const OnlyLevel only(level);
-        ForEachJob(true, [&level](const Job& job, int64_t start, Random& random) {
-            const int32_t bits = ModelOf(job.record.sourceType).bits, depth = job.record.depth;
-            for (const int32_t count : kCounts) {
-                const int64_t skipped = start + 8 * random.Int(0, 3);
-                const auto row = RandomPixels(
-                    job.record.sourceType,
-                    size_t(std::max<int64_t>(skipped + int64_t(count) * bits, 1) + 7) / 8, random);
-                vx::RunBuffer buffer;
-                std::memset(buffer.bytes, 0xCD, sizeof(buffer.bytes));
-                vx::SelectRuns(job.record).read(buffer.bytes, row.data(), skipped, count, job.record);
-                for (int32_t i = 0; i < count; ++i)
-                    ASSERT_TRUE(Same(RunPixel(buffer, depth, size_t(i)),
-                                     ModelRead(job.Reading(), row.data(), skipped + int64_t(i) * bits)))
-                        << Name(job) << ", " << level.name << ", bit " << skipped << ", pixel " << i << " of "
-                        << count;
-                for (size_t i = vx::WorkingPixelBytes(depth) * size_t(count); i < sizeof(buffer.bytes); ++i)
-                    ASSERT_EQ(buffer.bytes[i], 0xCD)
-                        << Name(job) << ", " << level.name << ", count " << count;
-            }
-        });
-    }
+    ForEachRun(true, [](const Job& job, int64_t skipped, int32_t count, Random& random) {
+        const int32_t bits = ModelOf(job.record.sourceType).bits, depth = job.record.depth;
+        const auto row =
+            RandomPixels(job.record.sourceType,
+                         size_t(std::max<int64_t>(skipped + int64_t(count) * bits, 1) + 7) / 8, random);
+        vx::RunBuffer buffer;
+        std::memset(buffer.bytes, 0xCD, sizeof(buffer.bytes));
+        vx::SelectRuns(job.record).read(buffer.bytes, row.data(), skipped, count, job.record);
+        for (int32_t i = 0; i < count; ++i)
+            ASSERT_TRUE(Same(RunPixel(buffer, depth, size_t(i)),
+                             ModelRead(job.Reading(), row.data(), skipped + int64_t(i) * bits)))
+                << Name(job) << ", bit " << skipped << ", pixel " << i << " of " << count;
+        for (size_t i = vx::WorkingPixelBytes(depth) * size_t(count); i < sizeof(buffer.bytes); ++i)
+            ASSERT_EQ(buffer.bytes[i], 0xCD) << Name(job) << ", count " << count;
+    });
 }
 
 TEST(ExchangeRuns, WriteAsTheModelAtEveryLevelAndKeepTheirNeighbours)
 {
-    for (const VectorLevel& level : AllLevels()) {
-        const OnlyLevel only(level);
-        ForEachJob(false, [&level](const Job& job, int64_t start, Random& random) {
-            const int32_t bits = ModelOf(job.record.destType).bits, depth = job.record.depth;
-            for (const int32_t count : kCounts) {
-                const int64_t skipped = start + 8 * random.Int(0, 3);
-                std::vector<uint8_t> row(size_t(skipped + int64_t(count) * bits + 7) / 8 + 3), want;
-                for (uint8_t& byte : row)
-                    byte = random.Byte();
-                want = row;
-                vx::RunBuffer buffer;
-                for (int32_t i = 0; i < count; ++i) {
-                    const Channels pixel = RandomWorking(depth, random);
-                    StoreWorking(buffer.bytes, depth, vx::WorkingPixelBytes(depth), size_t(i), pixel);
-                    ModelWrite(job.Writing(), want.data(), skipped + int64_t(i) * bits, pixel);
-                }
-                vx::SelectRuns(job.record).write(row.data(), skipped, buffer.bytes, count, job.record);
-                ASSERT_EQ(row, want) << Name(job) << ", " << level.name << ", bit " << skipped << ", count "
-                                     << count;
-            }
-        });
-    }
+    ForEachRun(false, [](const Job& job, int64_t skipped, int32_t count, Random& random) {
+        const int32_t bits = ModelOf(job.record.destType).bits, depth = job.record.depth;
+        auto row = RandomBytes(size_t(skipped + int64_t(count) * bits + 7) / 8 + 3, random), want = row;
+        vx::RunBuffer buffer;
+        for (int32_t i = 0; i < count; ++i) {
+            const Channels pixel = RandomWorking(depth, random);
+            StoreWorking(buffer.bytes, depth, vx::WorkingPixelBytes(depth), size_t(i), pixel);
+            ModelWrite(job.Writing(), want.data(), skipped + int64_t(i) * bits, pixel);
+        }
+        vx::SelectRuns(job.record).write(row.data(), skipped, buffer.bytes, count, job.record);
+        ASSERT_EQ(row, want) << Name(job) << ", bit " << skipped << ", count " << count;
+    });
 }
 
 TEST(ExchangeRuns, SamplesAreThePublishedReadsAtTheirPositions)
@@ -306,54 +260,6 @@ TEST(ExchangeRuns, SamplesAreThePublishedReadsAtTheirPositions)
                 << Name(job) << ", pixel " << i << " of " << width;
         }
     });
-}
-
-// Bits of a channel that a type keeps through the 16-bit working pixel.
-int32_t KeptBits(int32_t type, size_t channel)
-{
-    return std::min(ModelOf(type).width[channel], 16);
-}
-
-bool CanHold(int32_t outer, int32_t inner)
-{
-    if (ModelOf(inner).kind == Kind::Float || (outer <= VXPIXEL_GRAY32 && inner > VXPIXEL_GRAY32))
-        return false;
-    for (size_t c = 0; c < 4; ++c)
-        if (KeptBits(outer, c) < KeptBits(inner, c))
-            return false;
-    return ModelOf(outer).kind != Kind::Index && ModelOf(inner).kind != Kind::Index;
-}
-
-TEST(ExchangeRuns, AnyPairGoesByRunsAsByPixelsAndComesBackWhereItFits)
-{
-    Random random;
-    for (int32_t inner = VXPIXEL_PAL1; inner <= VXPIXEL_RGBA128; ++inner)
-        for (int32_t outer = VXPIXEL_PAL1; outer <= VXPIXEL_RGBA128; ++outer)
-            for (const uint32_t flags : {1u, 3u, 4u}) {
-                constexpr int32_t kCount = 24;
-                const Job there(outer, inner, flags, random), back(inner, outer, flags, random);
-                const auto bytes = [](int32_t type) { return size_t(kCount * ModelOf(type).bits / 8); };
-                auto pixels = RandomPixels(inner, bytes(inner), random);
-                for (int32_t i = 0; inner == VXPIXEL_RGB555 && i < kCount; ++i)
-                    SetBits(pixels.data(), 16 * i + 15, 1, false, 0); // the bit that no pixel keeps
-                std::vector<uint8_t> byRuns(bytes(outer)), byPixels(bytes(outer)), again(bytes(inner));
-                vx::RunBuffer run;
-                vx::SelectRuns(there.record).read(run.bytes, pixels.data(), 0, kCount, there.record);
-                vx::SelectRuns(there.record).write(byRuns.data(), 0, run.bytes, kCount, there.record);
-                tVXXCHG x = there.record;
-                x.source = pixels.data();
-                x.dest = byPixels.data();
-                for (int32_t i = 0; i < kCount; ++i) {
-                    x.readPixel(&x);
-                    x.writePixel(&x);
-                }
-                ASSERT_EQ(byRuns, byPixels) << Name(there);
-                vx::SelectRuns(back.record).read(run.bytes, byRuns.data(), 0, kCount, back.record);
-                vx::SelectRuns(back.record).write(again.data(), 0, run.bytes, kCount, back.record);
-                if (CanHold(outer, inner)) {
-                    ASSERT_EQ(pixels, again) << Name(there);
-                }
-            }
 }
 
 } // namespace

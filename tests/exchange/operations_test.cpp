@@ -128,18 +128,12 @@ struct Oracle
     }
 };
 
-// Values at the ends come as often as any other, so that sums wrap and clamps meet.
+// Values at the ends come often, so that sums wrap and clamps meet.
 int64_t RandomChannel(bool deep, Random& random)
 {
     const int64_t max = deep ? 65535 : 255;
-    switch (random.Int(0, 5)) {
-    case 0:
-        return 0;
-    case 1:
-        return max;
-    default:
-        return int64_t(random.Next() % uint64_t(max + 1));
-    }
+    const int32_t kind = random.Int(0, 5);
+    return kind == 0 ? 0 : kind == 1 ? max : int64_t(random.Next() % uint64_t(max + 1));
 }
 
 Four RandomFour(bool deep, Random& random)
@@ -150,20 +144,17 @@ Four RandomFour(bool deep, Random& random)
 
 void Put(tVXXCHG& x, size_t slot, const Four& pixel)
 {
-    auto* const p = reinterpret_cast<uint8_t*>(x.slots) + 8 * slot;
-    for (size_t c = 0; c < 4; ++c) {
-        const auto word = uint16_t(pixel[c]);
-        if (x.depth == VXXCHG_DEPTH_8)
-            p[c] = uint8_t(pixel[c]);
-        else
-            std::memcpy(p + 2 * c, &word, 2);
-    }
+    PutSlot(x, slot, {double(pixel[0]), double(pixel[1]), double(pixel[2]), double(pixel[3])});
+}
+
+Four Get(const Channels& c)
+{
+    return {int64_t(c[0]), int64_t(c[1]), int64_t(c[2]), int64_t(c[3])};
 }
 
 Four Get(const tVXXCHG& x, size_t slot)
 {
-    const Channels c = Slot(x, slot);
-    return {int64_t(c[0]), int64_t(c[1]), int64_t(c[2]), int64_t(c[3])};
+    return Get(Slot(x, slot));
 }
 
 VxXchgOperation RandomOperation(uint32_t number, Random& random)
@@ -183,34 +174,25 @@ VxXchgOperation RandomOperation(uint32_t number, Random& random)
     return op;
 }
 
-struct DepthCase
-{
-    int32_t type;
-    uint32_t flags;
-};
-constexpr DepthCase kDepths[] = {{29, 0}, {29, VXXCHGF_EXACT_FADE}, {31, 0}, {31, VXXCHGF_EXACT_FADE}};
-
 template <class Check>
 void ForEachOperation(const Check& check)
 {
     Random random;
-    std::vector<uint8_t> lut8(256);
+    const auto lut8 = RandomBytes(256, random);
     std::vector<uint16_t> lut16(65536);
-    for (uint8_t& value : lut8)
-        value = random.Byte();
     for (uint16_t& value : lut16)
         value = uint16_t(random.Next());
-    for (const DepthCase& depth : kDepths)
-        for (uint32_t number = 0; number < VXXCHG_OP_COUNT; ++number)
-            for (int32_t round = 0; round < 400; ++round) {
+    for (uint32_t number = 0; number < VXXCHG_OP_COUNT; ++number)
+        for (int32_t round = 0; round < 800; ++round)
+            for (const int32_t type : {VXPIXEL_RGBA32, VXPIXEL_RGBA64}) {
+                const uint32_t flags = round % 4 < 2 ? 0 : VXXCHGF_EXACT_FADE;
                 const VxXchgOperation op = RandomOperation(number, random);
                 tVXXCHG x;
-                ASSERT_EQ(VxXCHGGetFunctionPointers(depth.type, depth.type, depth.flags, &x, &op, 0, 0),
-                          S_OK);
+                ASSERT_EQ(VxXCHGGetFunctionPointers(type, type, flags, &x, &op, 0, 0), S_OK);
                 x.lut8 = round % 2 ? lut8.data() : nullptr;
                 x.lut16 = round % 2 ? lut16.data() : nullptr;
                 const bool deep = x.depth == VXXCHG_DEPTH_16;
-                const Oracle oracle{deep, deep ? 65536 : 256, op, depth.flags != 0, x.lut8, x.lut16};
+                const Oracle oracle{deep, deep ? 65536 : 256, op, flags != 0, x.lut8, x.lut16};
                 check(x, oracle, random);
                 if (testing::Test::HasFatalFailure())
                     return;
@@ -226,31 +208,26 @@ Four SecondPixel(const Oracle& oracle, Random& random)
     return b;
 }
 
-TEST(ExchangeOperations, SinglePixelsFollowTheFormulas)
+TEST(ExchangeOperations, PixelsAndGroupsFollowTheFormulas)
 {
     ForEachOperation([](tVXXCHG& x, const Oracle& oracle, Random& random) {
-        const Four a = RandomFour(oracle.deep, random), b = SecondPixel(oracle, random);
-        Put(x, 0, a);
-        Put(x, 1, b);
-        x.op.number = 99; // kernels know their operation
-        x.opPixel(&x);
-        ASSERT_EQ(Get(x, 0), oracle.Apply(a, b)) << "operation " << oracle.op.number << ", depth " << x.depth;
-        ASSERT_EQ(Get(x, 1), b);
-    });
-}
-
-TEST(ExchangeOperations, GroupsTakeKeyToleranceAndWeightsOfTheSecondRecord)
-{
-    ForEachOperation([](tVXXCHG& x, const Oracle& oracle, Random& random) {
-        tVXXCHG first = x;
-        first.op = RandomOperation(0, random);
+        tVXXCHG first = x, pair = x;
+        first.op = RandomOperation(0, random); // key, tolerance and weights are the second record's
         Four want[4];
         for (size_t i = 0; i < 4; ++i) {
             const Four a = RandomFour(oracle.deep, random), b = SecondPixel(oracle, random);
-            Put(first, i, a);
-            Put(x, i, b);
             const bool grouped = oracle.op.number < 15 || oracle.op.number == 19;
             want[i] = grouped ? oracle.Apply(a, b) : a;
+            Put(first, i, a);
+            Put(x, i, b);
+
+            Put(pair, 0, a);
+            Put(pair, 1, b);
+            pair.op.number = 99; // kernels know their operation
+            pair.opPixel(&pair);
+            ASSERT_EQ(Get(pair, 0), oracle.Apply(a, b))
+                << "operation " << oracle.op.number << ", depth " << x.depth;
+            ASSERT_EQ(Get(pair, 1), b);
         }
         x.opQuad(&first, &x);
         for (size_t i = 0; i < 4; ++i)
@@ -277,17 +254,8 @@ TEST(ExchangeOperations, MarksAreMadeByTheKeyOperationsOnly)
         ASSERT_EQ(Get(marked, 0), (Four{full, full, 0, 0}));
         ASSERT_EQ(Get(marked, 1), pixels[1]);
 
-        const double fx = x.fractionX, fy = x.fractionY, one = 16384;
-        const double weights[] = {std::floor((one - fx) * (one - fy) / one),
-                                  std::floor(fx * (one - fy) / one), std::floor((one - fx) * fy / one),
-                                  std::floor(fx * fy / one)};
-        Four want{};
-        for (size_t c = 0; c < 4; ++c) {
-            double sum = 0;
-            for (size_t i = 0; i < 4; ++i)
-                sum += double(pixels[i][c]) * weights[i];
-            want[c] = int64_t(sum / one);
-        }
+        const Channels block[] = {Slot(x, 0), Slot(x, 1), Slot(x, 2), Slot(x, 3)};
+        Four want = Get(MixOf(block, WeightsOf(x)));
         for (size_t i = 4; i-- > 0;)
             want = oracle.Near(pixels[i]) ? pixels[i] : want;
         x.opMarkQuad(&x);

@@ -10,13 +10,45 @@ namespace vxtest {
 inline Channels WorkingAt(const void* pixels, int32_t depth, size_t stride, size_t i)
 {
     const auto* const p = static_cast<const uint8_t*>(pixels) + stride * i;
+    uint16_t words[4] = {};
+    float values[4] = {};
+    std::memcpy(words, p, depth == 1 ? sizeof(words) : 0);
+    std::memcpy(values, p, depth == 2 ? sizeof(values) : 0);
     Channels out;
+    for (size_t c = 0; c < 4; ++c)
+        out[c] = depth == 0 ? p[c] : depth == 1 ? words[c] : double(values[c]);
+    return out;
+}
+
+inline void StoreWorking(void* pixels, int32_t depth, size_t stride, size_t i, const Channels& pixel)
+{
+    const size_t bytes = size_t(1) << depth;
     for (size_t c = 0; c < 4; ++c) {
-        uint16_t word = 0;
-        float value = 0;
-        std::memcpy(&word, p + 2 * c, depth == 1 ? 2 : 0);
-        std::memcpy(&value, p + 4 * c, depth == 2 ? 4 : 0);
-        out[c] = depth == 0 ? p[c] : depth == 1 ? word : double(value);
+        const uint32_t value = depth == 2 ? std::bit_cast<uint32_t>(float(pixel[c])) : uint32_t(pixel[c]);
+        std::memcpy(static_cast<uint8_t*>(pixels) + stride * i + bytes * c, &value, bytes); // low bytes first
+    }
+}
+
+inline void PutSlot(tVXXCHG& x, size_t i, const Channels& pixel)
+{
+    StoreWorking(x.slots, x.depth, x.depth == 2 ? 16 : 8, i, pixel);
+}
+
+// The integer weights of a block's four pixels, of 16384 in all.
+inline std::array<double, 4> WeightsOf(const tVXXCHG& x)
+{
+    const double one = 16384, fx = x.fractionX, fy = x.fractionY;
+    return {std::floor((one - fx) * (one - fy) / one), std::floor(fx * (one - fy) / one),
+            std::floor((one - fx) * fy / one), std::floor(fx * fy / one)};
+}
+
+inline Channels MixOf(const Channels (&block)[4], const std::array<double, 4>& weights)
+{
+    Channels out{};
+    for (size_t c = 0; c < 4; ++c) {
+        for (size_t i = 0; i < 4; ++i)
+            out[c] += block[i][c] * weights[i];
+        out[c] = std::floor(out[c] / 16384);
     }
     return out;
 }
@@ -46,13 +78,12 @@ struct Job
     RGBQUAD table[256];
     std::vector<uint8_t> map;
 
-    Job(int32_t dest, int32_t source, uint32_t flags, Random& random, double gamma = 1.0) : map(32768)
+    Job(int32_t dest, int32_t source, uint32_t flags, Random& random, double gamma = 1.0)
+        : map(RandomBytes(32768, random))
     {
         VxXCHGGetFunctionPointers(dest, source, flags, &record, nullptr, 1.0, gamma);
         for (RGBQUAD& entry : table)
             entry = {random.Byte(), random.Byte(), random.Byte(), random.Byte()};
-        for (uint8_t& index : map)
-            index = random.Byte();
         record.sourcePalette = table;
         record.inverseMap = map.data();
     }
@@ -60,43 +91,23 @@ struct Job
 
     ModelJob Reading() const
     {
-        const VxTransferCurve* const curve =
-            record.depth == 1 && record.sourceCurve.exponent != 1.0f ? &record.sourceCurve : nullptr;
         return {record.sourceType,
                 record.depth,
                 (record.flags & VXXCHGF_INTERPOLATE) != 0,
                 reinterpret_cast<const uint8_t*>(table),
                 nullptr,
-                curve};
+                Curve(record.sourceCurve)};
     }
     ModelJob Writing() const
     {
-        const VxTransferCurve* const curve =
-            record.depth == 1 && record.destCurve.exponent != 1.0f ? &record.destCurve : nullptr;
-        return {record.destType, record.depth, false, nullptr, map.data(), curve};
+        return {record.destType, record.depth, false, nullptr, map.data(), Curve(record.destCurve)};
+    }
+
+private:
+    const VxTransferCurve* Curve(const VxTransferCurve& curve) const
+    {
+        return record.depth == 1 && curve.exponent != 1.0f ? &curve : nullptr;
     }
 };
-
-// Every type with a partner and flags that choose the row: 16 bits picked and interpolated, 8 bits, float.
-struct RowCase
-{
-    int32_t type, partner;
-    uint32_t flags;
-};
-
-inline std::vector<RowCase> AllRowCases()
-{
-    std::vector<RowCase> cases;
-    for (int32_t type = VXPIXEL_PAL1; type <= VXPIXEL_RGBA128; ++type)
-        for (const uint32_t flags : {1u, 3u, 4u}) {
-            cases.push_back({type, VXPIXEL_RGBA64, flags});
-            if (type == VXPIXEL_PAL8 || type == VXPIXEL_RGB24 || type == VXPIXEL_RGB32 ||
-                type == VXPIXEL_RGBA32)
-                cases.push_back({type, VXPIXEL_RGBA32, flags});
-            if (type == VXPIXEL_RGBA128)
-                cases.push_back({type, VXPIXEL_RGBA128, flags});
-        }
-    return cases;
-}
 
 } // namespace vxtest

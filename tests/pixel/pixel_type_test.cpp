@@ -24,54 +24,45 @@ struct TypeCase
     uint32_t compression;
     int32_t bits;
     std::array<uint8_t, 4> channels;
-    int32_t channelResult;
 };
 
 constexpr TypeCase kTypes[] = {
-    {16, 0, 1, {0, 0, 0, 1}, 1},
-    {17, FourCC("VXGS"), 1, {0, 0, 0, 1}, 1},
-    {18, FourCC("VXGS"), 2, {0, 0, 0, 2}, 2},
-    {19, FourCC("VXGS"), 4, {0, 0, 0, 4}, 4},
-    {20, FourCC("VXGS"), 8, {0, 0, 0, 8}, 8},
-    {21, FourCC("VXGS"), 16, {0, 0, 0, 16}, 16},
-    {22, FourCC("VXGS"), 32, {0, 0, 0, 32}, 32},
-    {23, 0, 4, {8, 8, 8, 0}, 4},
-    {24, 0, 8, {8, 8, 8, 0}, 8},
-    {25, 0, 16, {5, 5, 5, 1}, 16},
-    {26, 3, 16, {5, 6, 5, 0}, 16},
-    {27, 0, 24, {8, 8, 8, 0}, 24},
-    {28, 0, 32, {8, 8, 8, 8}, 32},
-    {29, FourCC("VXDB"), 32, {8, 8, 8, 8}, 32},
-    {30, 3, 32, {10, 10, 10, 2}, 32},
-    {31, FourCC("VXDB"), 64, {16, 16, 16, 16}, 64},
-    {32, FourCC("VXDB"), 128, {32, 32, 32, 32}, 128},
-    {64, FourCC("UYVY"), 16, {0, 0, 0, 0}, 0},
-    {65, FourCC("YUYV"), 16, {0, 0, 0, 0}, 0},
-    {66, FourCC("Y41B"), 12, {0, 0, 0, 0}, 0},
-    {67, FourCC("I420"), 12, {0, 0, 0, 0}, 0},
-    {68, FourCC("v210"), 20, {0, 0, 0, 0}, 0},
+    {16, 0, 1, {0, 0, 0, 1}},
+    {17, FourCC("VXGS"), 1, {0, 0, 0, 1}},
+    {18, FourCC("VXGS"), 2, {0, 0, 0, 2}},
+    {19, FourCC("VXGS"), 4, {0, 0, 0, 4}},
+    {20, FourCC("VXGS"), 8, {0, 0, 0, 8}},
+    {21, FourCC("VXGS"), 16, {0, 0, 0, 16}},
+    {22, FourCC("VXGS"), 32, {0, 0, 0, 32}},
+    {23, 0, 4, {8, 8, 8, 0}},
+    {24, 0, 8, {8, 8, 8, 0}},
+    {25, 0, 16, {5, 5, 5, 1}},
+    {26, 3, 16, {5, 6, 5, 0}},
+    {27, 0, 24, {8, 8, 8, 0}},
+    {28, 0, 32, {8, 8, 8, 8}},
+    {29, FourCC("VXDB"), 32, {8, 8, 8, 8}},
+    {30, 3, 32, {10, 10, 10, 2}},
+    {31, FourCC("VXDB"), 64, {16, 16, 16, 16}},
+    {32, FourCC("VXDB"), 128, {32, 32, 32, 32}},
+    {64, FourCC("UYVY"), 16, {0, 0, 0, 0}},
+    {65, FourCC("YUYV"), 16, {0, 0, 0, 0}},
+    {66, FourCC("Y41B"), 12, {0, 0, 0, 0}},
+    {67, FourCC("I420"), 12, {0, 0, 0, 0}},
+    {68, FourCC("v210"), 20, {0, 0, 0, 0}},
 };
 
 // A header with its masks, at an odd address: headers need no alignment.
-class Header
+struct Header
 {
-public:
+    alignas(4) uint8_t bytes[53] = {};
+
     Header(uint32_t compression, int32_t bits, std::array<uint32_t, 3> masks = {})
     {
-        BITMAPINFOHEADER header{};
-        header.biSize = sizeof(header);
-        header.biBitCount = WORD(bits);
-        header.biCompression = compression;
-        std::memcpy(bytes_.data() + 1, &header, sizeof(header));
-        std::memcpy(bytes_.data() + 1 + sizeof(header), masks.data(), sizeof(masks));
+        const BITMAPINFOHEADER header{40, 0, 0, 1, WORD(bits), compression, 0, 0, 0, 0, 0};
+        std::memcpy(bytes + 1, &header, sizeof(header));
+        std::memcpy(bytes + 41, masks.data(), sizeof(masks));
     }
-    const BITMAPINFOHEADER* Get() const
-    {
-        return reinterpret_cast<const BITMAPINFOHEADER*>(bytes_.data() + 1);
-    }
-
-private:
-    alignas(4) std::array<uint8_t, 53> bytes_{};
+    const BITMAPINFOHEADER* Get() const { return reinterpret_cast<const BITMAPINFOHEADER*>(bytes + 1); }
 };
 
 TEST(PixelType, TellsBitsCompressionAndChannels)
@@ -79,40 +70,34 @@ TEST(PixelType, TellsBitsCompressionAndChannels)
     for (int32_t type = -1; type <= 100; ++type) {
         const auto* known = std::find_if(std::begin(kTypes), std::end(kTypes),
                                          [type](const TypeCase& c) { return c.type == type; });
-        const TypeCase want = known != std::end(kTypes) ? *known : TypeCase{type, 0, 0, {}, 0};
+        const TypeCase want = known != std::end(kTypes) ? *known : TypeCase{type, 0, 0, {}};
         uint32_t compression = 1;
         EXPECT_EQ(VxPixelTypeToBitAttribs(type, &compression, nullptr, 0, nullptr), want.bits) << type;
         EXPECT_EQ(compression, want.compression) << type;
         std::array<uint8_t, 4> channels{9, 9, 9, 9};
-        EXPECT_EQ(VxGetPixelBitsPerChannel(type, channels.data()), want.channelResult) << type;
+        EXPECT_EQ(VxGetPixelBitsPerChannel(type, channels.data()), type < 64 ? want.bits : 0) << type;
         EXPECT_EQ(channels, want.channels) << type;
     }
-    for (const int32_t type : {INT32_MIN, INT32_MAX})
-        EXPECT_EQ(VxPixelTypeToBitAttribs(type, nullptr, nullptr, 0, nullptr), 0);
 }
 
 TEST(PixelType, RecordAndMasksAreWrittenWholeOrNotAtAll)
 {
     for (const int32_t type : {16, 17, 22, 23, 26, 30, 64, 0}) {
         VxBitAttribs record;
-        std::memset(&record, 0xAA, sizeof(record));
-        const VxBitAttribs untouched = record;
-        uint32_t compression = 7, masks[4] = {1, 2, 3, 4};
+        std::memset(&record, 7, sizeof(record));
+        uint32_t compression = 7, masks[4] = {7, 2, 3, 4};
         EXPECT_EQ(VxPixelTypeToBitAttribs(type, &compression, &record, 63, masks), 0);
-        EXPECT_EQ(compression, 7u);
-        EXPECT_EQ(masks[0], 1u);
-        EXPECT_EQ(std::memcmp(&record, &untouched, sizeof(record)), 0);
+        EXPECT_EQ(compression + masks[0] + record.size, 14 + 0x07070707u)
+            << "too short a record: nothing is written";
 
         VxPixelTypeToBitAttribs(type, &compression, &record, 64, masks);
         const uint32_t attributes = type >= 17 && type <= 22 ? 0x1000 : 0xFFFFFFFF;
         const uint32_t want[16] = {64, attributes, 0, 0xFFFFFFFF, 0, 0, 0, 0x3FF00000}; // high word of 1.0
         EXPECT_EQ(std::memcmp(&record, want, sizeof(want)), 0) << type;
-        std::array<uint32_t, 4> wantMasks{0, 0, 0, 4};
-        if (type == 26)
-            wantMasks = {0xF800, 0x07E0, 0x001F, 4};
-        if (type == 30)
-            wantMasks = {0x3FF00000, 0x000FFC00, 0x000003FF, 4};
-        EXPECT_EQ(std::to_array(masks), wantMasks) << type;
+        using Masks = std::array<uint32_t, 4>;
+        EXPECT_EQ(std::to_array(masks), type == 26   ? (Masks{0xF800, 0x07E0, 0x001F, 4})
+                                        : type == 30 ? (Masks{0x3FF00000, 0x000FFC00, 0x000003FF, 4})
+                                                     : (Masks{0, 0, 0, 4}));
     }
 }
 
@@ -136,34 +121,25 @@ TEST(PixelType, FoundFromEveryDepthOfEveryCompression)
         }
 }
 
-uint32_t RandomMask(Random& random, int32_t setBits)
-{
-    uint32_t mask = 0;
-    while (VxCountBits(mask) < setBits)
-        mask |= 1u << random.Int(0, 31);
-    return mask;
-}
-
 TEST(PixelType, MasksCountWhereverTheirBitsLie)
 {
-    struct MaskCase
+    struct
     {
         int32_t bits;
         std::array<int32_t, 3> widths;
         int32_t want;
-    };
-    constexpr MaskCase kCases[] = {
-        {16, {5, 5, 5}, 25}, {16, {5, 6, 5}, 26},   {32, {8, 8, 8}, 28}, {32, {10, 10, 10}, 30},
-        {16, {6, 5, 5}, 0},  {16, {5, 5, 6}, 0},    {16, {8, 8, 8}, 0},  {32, {5, 6, 5}, 0},
-        {32, {8, 8, 10}, 0}, {32, {10, 10, 11}, 0}, {24, {8, 8, 8}, 0},  {32, {32, 32, 32}, 0},
-        {16, {0, 0, 0}, 0},  {0, {5, 5, 5}, 0},
+    } const cases[] = {
+        {16, {5, 5, 5}, 25}, {16, {5, 6, 5}, 26}, {32, {8, 8, 8}, 28}, {32, {10, 10, 10}, 30},
+        {16, {6, 5, 5}, 0},  {16, {5, 5, 6}, 0},  {16, {8, 8, 8}, 0},  {32, {5, 6, 5}, 0},
+        {24, {8, 8, 8}, 0},  {16, {0, 0, 0}, 0},
     };
     Random random;
-    for (const MaskCase& c : kCases)
+    for (const auto& c : cases)
         for (int trial = 0; trial < 20; ++trial) {
-            const Header header(3, c.bits,
-                                {RandomMask(random, c.widths[0]), RandomMask(random, c.widths[1]),
-                                 RandomMask(random, c.widths[2])});
+            std::array<uint32_t, 3> masks;
+            for (size_t i = 0; i < 3; ++i)
+                masks[i] = std::rotl((1u << c.widths[i]) - 1, random.Int(0, 31));
+            const Header header(3, c.bits, masks);
             EXPECT_EQ(VxGetPixelType(header.Get()), c.want) << c.bits << " bits, green " << c.widths[1];
             EXPECT_EQ(VxVideo_IsCompressed(header.Get()), c.want == 0);
         }
@@ -190,12 +166,44 @@ TEST(PaletteOrder, ExchangesRedAndBlueAndClearsTheFourthByte)
     VxVideo_PaletteEntryFromRGBA(entries, quads, 2);
     const uint8_t want[12] = {3, 2, 1, 0, 7, 6, 5, 0, 0xEE, 0xEE, 0xEE, 0xEE};
     EXPECT_EQ(std::memcmp(entries, want, sizeof(want)), 0);
-    for (const int32_t count : {0, -1, INT32_MIN})
-        VxVideo_PaletteRGBAFromEntry(quads, entries, count);
-    EXPECT_EQ(quads[0].rgbReserved, 4);
+    VxVideo_PaletteRGBAFromEntry(quads, entries, -1);
     VxVideo_PaletteRGBAFromEntry(reinterpret_cast<RGBQUAD*>(entries), entries, 3); // in place
     const uint8_t back[12] = {1, 2, 3, 0, 5, 6, 7, 0, 0xEE, 0xEE, 0xEE, 0};
     EXPECT_EQ(std::memcmp(entries, back, sizeof(back)), 0);
+}
+
+TEST(YuvLayout, BytesAndPlanes)
+{
+    struct
+    {
+        uint32_t compression;
+        int32_t width, height;
+        uint32_t bytes;
+        VxYuvPlanes planes; // stride, then offset and stride of U and of V
+    } const cases[] = {
+        {FourCC("UYVY"), 720, 576, 829440, {1440, 0, 0, 0, 0}},
+        {FourCC("YUYV"), 3, 5, 30, {6, 0, 0, 0, 0}},
+        {FourCC("Y41B"), 16, 4, 96, {16, 64, 4, 80, 4}},
+        {FourCC("IYUV"), 16, 4, 96, {16, 64, 8, 80, 8}},
+        {FourCC("YV12"), 16, 4, 96, {16, 80, 8, 64, 8}}, // V first
+        {FourCC("I420"), 5, 3, 21, {5, 15, 2, 18, 2}},   // a quarter that does not come out even
+        {FourCC("v210"), 48, 2, 256, {128, 0, 0, 0, 0}}, // whole groups, and a pixel more
+        {FourCC("v210"), 49, 2, 512, {256, 0, 0, 0, 0}},
+        {FourCC("I420"), 0, 4, 0, {0, 0, 0, 0, 0}},
+        {FourCC("v210"), 48, 0, 0, {128, 0, 0, 0, 0}},
+        {FourCC("UYVY"), 65536, 65536, 0, {131072, 0, 0, 0, 0}}, // wraps
+        {FourCC("V210"), 48, 2, 0, {0, 0, 0, 0, 0}},             // no such code
+    };
+    for (const auto& c : cases) {
+        BITMAPINFOHEADER header{};
+        header.biWidth = c.width;
+        header.biHeight = c.height;
+        header.biCompression = c.compression;
+        VxYuvPlanes planes{-1, -1, -1, -1, -1};
+        EXPECT_EQ(VxYUVImageBytesAndOffsets(&header, &planes), c.bytes) << c.compression << ", " << c.width;
+        EXPECT_EQ(std::memcmp(&planes, &c.planes, sizeof(planes)), 0) << c.compression << ", " << c.width;
+        EXPECT_EQ(VxYUVImageBytesAndOffsets(&header, nullptr), c.bytes);
+    }
 }
 
 } // namespace

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cmath>
 #include <cstdint>
 #include <cstring>
@@ -58,15 +59,19 @@ inline const FieldModel& ModelOf(int32_t type)
     return kModels[type - 16];
 }
 
-// Bits of a row. In the types below a byte they count from the highest of each byte, in all others from
-// the lowest.
+// A bit of a row's byte. In the types below a byte they count from the highest, in all others from the
+// lowest.
+inline int32_t Shift(int64_t bit, bool highFirst)
+{
+    return int32_t(highFirst ? 7 - bit % 8 : bit % 8);
+}
+
 inline uint64_t GetBits(const uint8_t* row, int64_t firstBit, int32_t bits, bool highFirst)
 {
     uint64_t value = 0;
     for (int32_t i = 0; i < bits; ++i) {
         const int64_t at = highFirst ? firstBit + bits - 1 - i : firstBit + i;
-        const int32_t shift = highFirst ? int32_t(7 - at % 8) : int32_t(at % 8);
-        value |= uint64_t(row[at / 8] >> shift & 1) << i;
+        value |= uint64_t(row[at / 8] >> Shift(at, highFirst) & 1) << i;
     }
     return value;
 }
@@ -75,7 +80,7 @@ inline void SetBits(uint8_t* row, int64_t firstBit, int32_t bits, bool highFirst
 {
     for (int32_t i = 0; i < bits; ++i) {
         const int64_t at = highFirst ? firstBit + bits - 1 - i : firstBit + i;
-        const int32_t shift = highFirst ? int32_t(7 - at % 8) : int32_t(at % 8);
+        const int32_t shift = Shift(at, highFirst);
         row[at / 8] = uint8_t((row[at / 8] & ~(1 << shift)) | int32_t(value >> i & 1) << shift);
     }
 }
@@ -99,10 +104,7 @@ inline double WordOfField(const ModelJob& job, uint64_t field, int32_t width)
 {
     const Kind kind = ModelOf(job.type).kind;
     if (kind == Kind::Float) {
-        float x;
-        const auto bits = uint32_t(field);
-        std::memcpy(&x, &bits, 4);
-        x = Curved(job, x);
+        const float x = Curved(job, std::bit_cast<float>(uint32_t(field)));
         if (std::isnan(x) || x < 0.0f)
             return 0.0;
         const float scaled = x * 65535.0f;
@@ -121,35 +123,23 @@ inline Channels ModelRead(const ModelJob& job, const uint8_t* row, int64_t first
     const FieldModel& model = ModelOf(job.type);
     Channels out;
     for (int32_t c = 0; c < 4; ++c) {
-        const double opaque = job.depth == 0 ? 255.0 : 65535.0;
-        if (model.first[c] < 0) {
-            out[size_t(c)] = opaque;
+        out[size_t(c)] = job.depth == 0 ? 255.0 : 65535.0; // without a field: opaque
+        if (model.first[c] < 0)
             continue;
-        }
         uint64_t field = GetBits(row, firstBit + model.first[c], model.width[c], model.bits < 8);
         if (model.kind == Kind::Index)
             field = job.table[4 * field + uint64_t(c)];
-        if (job.depth == 2) {
-            float x;
-            const auto bits = uint32_t(field);
-            std::memcpy(&x, &bits, 4);
-            out[size_t(c)] = x;
-        } else if (job.depth == 0) {
-            out[size_t(c)] = double(field);
-        } else {
-            out[size_t(c)] =
-                model.kind == Kind::Index ? double(field) * 256.0 : WordOfField(job, field, model.width[c]);
-        }
+        out[size_t(c)] = job.depth == 2              ? double(std::bit_cast<float>(uint32_t(field)))
+                         : job.depth == 0            ? double(field)
+                         : model.kind == Kind::Index ? double(field) * 256.0
+                                                     : WordOfField(job, field, model.width[c]);
     }
     return out;
 }
 
 inline uint64_t FloatField(const ModelJob& job, double word)
 {
-    const float x = Curved(job, float(word) * 1.5259022e-5f);
-    uint32_t bits;
-    std::memcpy(&bits, &x, 4);
-    return bits;
+    return std::bit_cast<uint32_t>(Curved(job, float(word) * 1.5259022e-5f));
 }
 
 // Puts a working pixel at a bit of a row; no other bit changes.
@@ -177,27 +167,27 @@ inline void ModelWrite(const ModelJob& job, uint8_t* row, int64_t firstBit, cons
     for (size_t c = 0; c < 4; ++c) {
         if (model.first[c] < 0)
             continue;
-        uint64_t value;
-        if (job.depth == 2) {
-            const auto x = float(pixel[c]);
-            uint32_t bits;
-            std::memcpy(&bits, &x, 4);
-            value = bits;
-        } else if (model.kind == Kind::Float) {
-            value = FloatField(job, pixel[c]);
-        } else {
-            value = uint64_t(pixel[c] / std::exp2((job.depth == 0 ? 8 : 16) - model.width[c]));
-        }
+        const uint64_t value =
+            job.depth == 2 ? std::bit_cast<uint32_t>(float(pixel[c]))
+            : model.kind == Kind::Float
+                ? FloatField(job, pixel[c])
+                : uint64_t(pixel[c] / std::exp2((job.depth == 0 ? 8 : 16) - model.width[c]));
         SetBits(row, firstBit + model.first[c], model.width[c], false, value);
     }
+}
+
+inline std::vector<uint8_t> RandomBytes(size_t bytes, Random& random)
+{
+    std::vector<uint8_t> row(bytes);
+    for (uint8_t& byte : row)
+        byte = random.Byte();
+    return row;
 }
 
 // Random bytes, and for float types values about the range with every kind of special one.
 inline std::vector<uint8_t> RandomPixels(int32_t type, size_t bytes, Random& random)
 {
-    std::vector<uint8_t> row(bytes);
-    for (uint8_t& byte : row)
-        byte = random.Byte();
+    auto row = RandomBytes(bytes, random);
     if (ModelOf(type).kind != Kind::Float)
         return row;
     constexpr float kSpecial[] = {0.0f,          -0.0f,    1.0f,      0.5f, 1.0f / 131070,

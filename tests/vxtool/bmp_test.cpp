@@ -28,18 +28,19 @@ TEST(Bmp, EveryTypeComesBackBitForBit)
         }
 }
 
-// A file of two rows of two pixels, put together byte by byte: what other programs write.
+using Words = std::vector<uint32_t>;
+
+// A file of two rows of two pixels, put together as other programs write them: the first pixel of the
+// upper row is given, all others are 0.
 struct FileParts
 {
-    uint32_t headerBytes = 40;
-    int32_t height = 2;
-    uint16_t bits = 32;
-    uint32_t compression = 0;
-    uint32_t coloursUsed = 0;
-    std::vector<uint32_t> masks; // in the header or behind it
-    std::vector<uint32_t> palette;
-    std::vector<uint8_t> pixels;
-    int32_t width = 2;
+    uint32_t headerBytes;
+    int32_t height; // negative for a file with the upper row first
+    uint16_t bits;
+    uint32_t compression, coloursUsed;
+    Words masks; // in the header or behind it
+    Words palette;
+    std::vector<uint8_t> topLeft;
 };
 
 void Put(std::vector<uint8_t>& bytes, size_t at, uint32_t value, size_t count = 4)
@@ -55,7 +56,7 @@ std::vector<uint8_t> FileOf(const FileParts& parts)
     std::vector<uint8_t> bytes = {'B', 'M'};
     bytes.resize(14 + parts.headerBytes);
     Put(bytes, 14, parts.headerBytes);
-    Put(bytes, 18, uint32_t(parts.width));
+    Put(bytes, 18, 2);
     Put(bytes, 22, uint32_t(parts.height));
     Put(bytes, 26, 1, 2);
     Put(bytes, 28, parts.bits, 2);
@@ -66,7 +67,9 @@ std::vector<uint8_t> FileOf(const FileParts& parts)
     for (const uint32_t entry : parts.palette)
         Put(bytes, bytes.size(), entry);
     Put(bytes, 10, uint32_t(bytes.size()));
-    bytes.insert(bytes.end(), parts.pixels.begin(), parts.pixels.end());
+    const size_t stride = parts.bits > 16 ? 8 : 4, upper = bytes.size() + (parts.height < 0 ? 0 : stride);
+    bytes.resize(bytes.size() + 2 * stride);
+    std::ranges::copy(parts.topLeft, bytes.begin() + int64_t(upper));
     return bytes;
 }
 
@@ -75,89 +78,28 @@ struct ForeignCase
     const char* name;
     FileParts parts;
     VxPixelType type;
-    Colour topLeft;
+    uint32_t topLeft; // RRGGBBAA
 };
 
-constexpr float kThird = 85.0f / 255.0f;
+const Words kBlueFirst = {0xFF0000, 0xFF00, 0xFF, 0xFF000000},
+            kRedFirst = {0xFF, 0xFF00, 0xFF0000, 0xFF000000}, kFour = {0xF00, 0xF0, 0xF, 0xF000},
+            kTen = {0x3FF, 0xFFC00, 0x3FF00000}, k565 = {0xF800, 0x7E0, 0x1F},
+            kTwoColours = {0x111111, 0x0055FF};
 
-// The stored rows are the lower one and then the upper one, unless the height is negative.
 const ForeignCase kForeign[] = {
-    {"24 bits, bottom-up",
-     {40, 2, 24, 0, 0, {}, {}, {1, 2, 3, 0, 0, 0, 0, 0, 255, 0, 85, 0, 0, 0, 0, 0}},
-     VXPIXEL_RGB24,
-     {1.0f, 0.0f, kThird, 1.0f}},
-    {"24 bits, top-down",
-     {40, -2, 24, 0, 0, {}, {}, {255, 0, 85, 0, 0, 0, 0, 0, 1, 2, 3, 0, 0, 0, 0, 0}},
-     VXPIXEL_RGB24,
-     {1.0f, 0.0f, kThird, 1.0f}},
-    {"24 bits, the last row's padding is missing",
-     {40, -2, 24, 0, 0, {}, {}, {255, 0, 85, 0, 0, 0, 0, 0, 1, 2, 3, 0, 0, 0}},
-     VXPIXEL_RGB24,
-     {1.0f, 0.0f, kThird, 1.0f}},
-    {"32 bits, the fourth byte is not alpha",
-     {40, -2, 32, 0, 0, {}, {}, {255, 0, 85, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}},
-     VXPIXEL_RGB32,
-     {1.0f, 0.0f, kThird, 1.0f}},
-    {"32 bits with an alpha mask in a header of 56 bytes",
-     {56,
-      -2,
-      32,
-      3,
-      0,
-      {0xFF0000, 0xFF00, 0xFF, 0xFF000000},
-      {},
-      {255, 0, 85, 85, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}},
-     VXPIXEL_RGBA32,
-     {1.0f, 0.0f, kThird, kThird}},
-    {"32 bits, red first, with alpha in a header of 124 bytes",
-     {124,
-      -2,
-      32,
-      3,
-      0,
-      {0xFF, 0xFF00, 0xFF0000, 0xFF000000},
-      {},
-      {255, 0, 85, 85, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}},
-     VXPIXEL_RGBA32,
-     {kThird, 0.0f, 1.0f, kThird}},
-    {"four masks behind a header of 40 bytes",
-     {40,
-      -2,
-      32,
-      6,
-      0,
-      {0xFF, 0xFF00, 0xFF0000, 0xFF000000},
-      {},
-      {255, 0, 85, 85, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}},
-     VXPIXEL_RGBA32,
-     {kThird, 0.0f, 1.0f, kThird}},
-    {"16 bits of 4 a channel",
-     {108, -2, 16, 3, 0, {0xF00, 0xF0, 0xF, 0xF000}, {}, {0x05, 0xFA, 0, 0, 0, 0, 0, 0}},
-     VXPIXEL_RGBA32,
-     {kThird, 0.0f, 170.0f / 255.0f, 1.0f}},
-    {"10 bits a channel, red lowest: too deep for 8",
-     {40,
-      -2,
-      32,
-      3,
-      0,
-      {0x3FF, 0xFFC00, 0x3FF00000},
-      {},
-      {0xFF, 0x03, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}},
-     VXPIXEL_RGBA64,
-     {0.0f, 0.0f, 1.0f, 1.0f}},
-    {"16 bits of 5, 6, 5 in a header of 52 bytes",
-     {52, -2, 16, 3, 0, {0xF800, 0x7E0, 0x1F}, {}, {0x1F, 0xF8, 0, 0, 0, 0, 0, 0}},
-     VXPIXEL_RGB565,
-     {1.0f, 0.0f, 1.0f, 1.0f}},
-    {"8 bits with a short palette; an index behind it is black",
-     {40, -2, 8, 0, 2, {}, {0x000000, 0x0055FF}, {1, 9, 0, 0, 0, 0, 0, 0}},
-     VXPIXEL_PAL8,
-     {1.0f, kThird, 0.0f, 1.0f}},
-    {"1 bit with a full palette of no told length",
-     {40, -2, 1, 0, 0, {}, {0x000000, 0x0055FF}, {0x80, 0, 0, 0, 0, 0, 0, 0}},
-     VXPIXEL_PAL1,
-     {1.0f, kThird, 0.0f, 1.0f}},
+    {"bottom-up", {40, 2, 24, 0, 0, {}, {}, {255, 0, 85}}, VXPIXEL_RGB24, 0x5500FFFF},
+    {"top-down", {40, -2, 24, 0, 0, {}, {}, {255, 0, 85}}, VXPIXEL_RGB24, 0x5500FFFF},
+    {"the fourth byte is not alpha", {40, -2, 32, 0, 0, {}, {}, {255, 0, 85, 9}}, VXPIXEL_RGB32, 0x5500FFFF},
+    {"alpha mask", {56, -2, 32, 3, 0, kBlueFirst, {}, {255, 0, 85, 85}}, VXPIXEL_RGBA32, 0x5500FF55},
+    {"red first", {124, -2, 32, 3, 0, kRedFirst, {}, {255, 0, 85, 85}}, VXPIXEL_RGBA32, 0xFF005555},
+    {"four masks behind", {40, -2, 32, 6, 0, kRedFirst, {}, {255, 0, 85, 85}}, VXPIXEL_RGBA32, 0xFF005555},
+    {"4 bits a channel", {108, -2, 16, 3, 0, kFour, {}, {0x05, 0xFA}}, VXPIXEL_RGBA32, 0xAA0055FF},
+    {"too deep for 8 bits", {40, -2, 32, 3, 0, kTen, {}, {0xFF, 3}}, VXPIXEL_RGBA64, 0xFF0000FF},
+    {"5, 6, 5", {52, -2, 16, 3, 0, k565, {}, {0x1F, 0xF8}}, VXPIXEL_RGB565, 0xFF00FFFF},
+    {"short palette", {40, -2, 8, 0, 2, {}, kTwoColours, {1}}, VXPIXEL_PAL8, 0x0055FFFF},
+    {"an index behind the palette", {40, -2, 8, 0, 2, {}, kTwoColours, {9}}, VXPIXEL_PAL8, 0x000000FF},
+    {"palette of no told length", {40, -2, 1, 0, 0, {}, kTwoColours, {0x80}}, VXPIXEL_PAL1, 0x0055FFFF},
+    {"no palette", {40, -2, 8, 0, 0, {}, {}, {1}}, VXPIXEL_PAL8, 0x000000FF},
 };
 
 TEST(Bmp, ForeignFiles)
@@ -167,18 +109,10 @@ TEST(Bmp, ForeignFiles)
         ASSERT_EQ(Refusal(bytes), "") << c.name;
         const Dib dib = std::move(ParsePicture(bytes, "it").dib);
         EXPECT_EQ(dib.Type(), c.type) << c.name;
-        EXPECT_EQ(RowOf(dib, 0)[0], c.topLeft) << c.name;
-        EXPECT_NE(RowOf(dib, 1)[0], c.topLeft) << c.name;
+        EXPECT_EQ(ColourCode(RowOf(dib, 0)[0]), c.topLeft) << c.name;
     }
-}
-
-TEST(Bmp, IndexBehindThePaletteIsBlack)
-{
-    const std::vector<uint8_t> pixels = {1, 9, 0, 0, 0, 0, 0, 0};
-    const auto two = FileOf({40, -2, 8, 0, 2, {}, {0x111111, 0x0055FF}, pixels});
-    EXPECT_EQ(RowOf(ParsePicture(two, "it").dib, 0)[1], Gray(0.0f));
-    const auto none = FileOf({40, -2, 8, 0, 0, {}, {}, pixels});
-    EXPECT_EQ(RowOf(ParsePicture(none, "it").dib, 0)[0], Gray(0.0f));
+    const auto whole = FileOf(kForeign[1].parts);
+    EXPECT_EQ(Refusal(std::span(whole).first(whole.size() - 2)), "") << "the last row needs no padding";
 }
 
 struct HostileCase
@@ -197,16 +131,11 @@ constexpr HostileCase kHostile[] = {
     {"header longer than the file", 14, 124, 4, "truncated"},
     {"no width", 18, 0, 4, "no pixels"},
     {"negative width", 18, 0xFFFFFFFE, 4, "too large"},
-    {"widest", 18, 0x7FFFFFFF, 4, "too large"},
     {"wider than the limit", 18, 32769, 4, "too large"},
     {"no height", 22, 0, 4, "no pixels"},
-    {"lowest height", 22, 0x80000000, 4, "too large"},
     {"more rows than bytes", 22, 30000, 4, "it holds 16 of"},
-    {"no bits", 28, 0, 2, "0 bits"},
     {"2 bits", 28, 2, 2, "2 bits"},
-    {"64 bits", 28, 64, 2, "64 bits"},
     {"run-length coded", 30, 1, 4, "RLE"},
-    {"run-length coded", 30, 2, 4, "RLE"},
     {"a JPEG inside", 30, 4, 4, "JPEG"},
     {"YUV", 30, 0x59565955, 4, "0x59565955"},
     {"masks for 24 bits", 30, 3, 4, "masks for pixels of 24 bits"},
@@ -216,7 +145,7 @@ constexpr HostileCase kHostile[] = {
 
 TEST(Bmp, HostileHeaders)
 {
-    const auto good = FileOf({40, 2, 24, 0, 0, {}, {}, std::vector<uint8_t>(16)});
+    const auto good = FileOf({40, 2, 24, 0, 0, {}, {}, {}});
     ASSERT_EQ(Refusal(good), "");
     for (const HostileCase& c : kHostile) {
         auto bytes = good;
@@ -228,7 +157,7 @@ TEST(Bmp, HostileHeaders)
 TEST(Bmp, HostileMasks)
 {
     const auto sentence = [](uint16_t bits, std::vector<uint32_t> masks) {
-        return Refusal(FileOf({56, 2, bits, 3, 0, std::move(masks), {}, std::vector<uint8_t>(16)}));
+        return Refusal(FileOf({56, 2, bits, 3, 0, std::move(masks), {}, {}}));
     };
     EXPECT_EQ(sentence(32, {0xFF0000, 0xFF00, 0xFF, 0}), "");
     EXPECT_THAT(sentence(32, {0, 0, 0, 0xFF}), HasSubstr("not runs of bits"));

