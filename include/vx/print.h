@@ -23,7 +23,8 @@
  * c d e f g i o s u x z, so a "%" in running text must be doubled, and * is no width. A form whose
  * flags and sizes make no sense comes out as it stands, but takes its argument; one that has no end
  * comes out as it stands, "%" first, and takes none. What has more decimals than are shown for a person
- * (9) or flags that leave no number at the end ($-5d) is shown as for a machine.
+ * (9) or flags that leave no number at the end ($-5d) is shown as for a machine; where blanks or a "+"
+ * stand before such a number, they are all that is shown. In a bounded text it is the last that is shown.
  *
  * Each argument is passed as in any C variadic call and takes one slot of 8 bytes.
  *
