@@ -49,7 +49,7 @@ RECT BoundsOf(const Cells& cells)
 }
 
 // Rectangles of a small grid, empty and inverted ones among them, against sets of its cells. The
-// result is written over each argument in turn.
+// result is written over either argument.
 TEST(Rect, CommonUnionAndDifferenceAreThoseOfTheCells)
 {
     Random random;
@@ -64,42 +64,38 @@ TEST(Rect, CommonUnionAndDifferenceAreThoseOfTheCells)
             either[i] = inA[i] || inB[i];
             onlyA[i] = inA[i] && !inB[i];
         }
-        RECT result = a;
-        const BOOL meets = IntersectRect(&result, &result, &b);
-        EXPECT_EQ(meets, !IsRectEmpty(&result));
-        EXPECT_EQ(result, BoundsOf(common));
-        result = b;
-        const BOOL holds = UnionRect(&result, &a, &result);
-        EXPECT_EQ(holds, !IsRectEmpty(&result));
-        EXPECT_EQ(result, BoundsOf(either));
-        result = b;
-        const BOOL remains = SubtractRect(&result, &a, &result);
-        EXPECT_EQ(remains, !IsRectEmpty(&result));
         const RECT rest = BoundsOf(onlyA);
-        EXPECT_EQ(result, CellsOf(rest) == onlyA ? rest : a) << "a less b, or a where that is no rectangle";
-        if (HasFailure())
-            FAIL() << testing::PrintToString(a) << ", " << testing::PrintToString(b);
+        const struct
+        {
+            BOOL (*operation)(RECT*, const RECT*, const RECT*);
+            RECT want;
+        } cases[] = {{IntersectRect, BoundsOf(common)},
+                     {UnionRect, BoundsOf(either)},
+                     {SubtractRect, CellsOf(rest) == onlyA ? rest : a}}; // a where the rest is no rectangle
+        for (const auto& c : cases) {
+            RECT overA = a, overB = b;
+            ASSERT_EQ(c.operation(&overA, &overA, &b), !IsRectEmpty(&c.want));
+            c.operation(&overB, &a, &overB);
+            ASSERT_EQ(overA, c.want) << &c - cases << ": " << testing::PrintToString(a) << ", "
+                                     << testing::PrintToString(b);
+            ASSERT_EQ(overB, c.want);
+        }
     }
 }
 
 TEST(Rect, MovesAndGrowsWithWrap)
 {
-    RECT r;
-    EXPECT_TRUE(SetRect(&r, 1, 2, 3, 4));
-    EXPECT_TRUE(OffsetRect(&r, 10, -20));
-    EXPECT_EQ(r, (RECT{11, -18, 13, -16}));
-    EXPECT_TRUE(InflateRect(&r, 2, -1));
-    EXPECT_EQ(r, (RECT{9, -17, 15, -17}));
-    EXPECT_TRUE(IsRectEmpty(&r));
-    EXPECT_TRUE(SetRect(&r, INT32_MIN, 0, INT32_MAX, 0));
-    EXPECT_TRUE(InflateRect(&r, 1, 0));
-    EXPECT_EQ(r, (RECT{INT32_MAX, 0, INT32_MIN, 0}));
-    RECT copy;
+    RECT r, copy;
+    EXPECT_TRUE(SetRect(&r, 1, 2, 3, INT32_MAX));
+    EXPECT_TRUE(OffsetRect(&r, 10, 20));
+    EXPECT_EQ(r, (RECT{11, 22, 13, INT32_MIN + 19}));
+    EXPECT_TRUE(InflateRect(&r, 2, -20));
+    EXPECT_EQ(r, (RECT{9, 42, 15, INT32_MAX}));
     EXPECT_TRUE(CopyRect(&copy, &r));
     EXPECT_EQ(copy, r);
     EXPECT_TRUE(SetRectEmpty(&r));
-    EXPECT_EQ(r, RECT{});
     EXPECT_FALSE(EqualRect(&r, &copy));
+    EXPECT_EQ(r, RECT{});
 }
 
 TEST(Rect, NullFailsAndChangesNothing)
