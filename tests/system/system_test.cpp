@@ -83,15 +83,13 @@ TEST(OsVersion, ThisSystem)
     EXPECT_EQ(VxGetOS(cut, 5), 1);
     EXPECT_EQ(std::u16string(cut, 8), std::u16string(u"Wind\0###", 8));
     EXPECT_EQ(VxGetOS(cut, 0), 1);
-    EXPECT_EQ(cut[0], u'W');
 }
 
 TEST(HighColor, TheOneMonitorHasIt)
 {
+    vx::RefreshHighColor();
     EXPECT_EQ(VxIsHighColor(), 1);
     EXPECT_EQ(VxIsAllMonitorsHighColor(), 1);
-    vx::RefreshHighColor();
-    EXPECT_EQ(VxIsHighColor() + VxIsAllMonitorsHighColor(), 2);
 }
 
 TEST(VersionText, IsReadAndCut)

@@ -44,12 +44,10 @@ TEST_F(PrintEngine, FormsWithoutArguments)
 {
     const Case cases[] = {
         {{u""}, u""},
-        {{u"plain \x4E2D\xD83D\xDE00"}, u"plain \x4E2D\xD83D\xDE00"},
-        {{u"$$d", 7}, u"$d"},
+        {{u"plain \x4E2D\xD83D\xDE00 $$d"}, u"plain \x4E2D\xD83D\xDE00 $d"},
         {{u"%% $% $$ $$$%"}, u"% % $ $%"},
         {{u"%"}, u"%"},
         {{u"$"}, u"%"},
-        {{u"all of 100%"}, u"all of 100%"},
         {{u"$-5.2 "}, u"%-5.2 "},
         {{u"$!x$&;%!$&"}, u"x;"},
         {{u"$!:$!.$!,|$&:$&.|%!:%&."}, u":.,|..|:."},
@@ -59,7 +57,6 @@ TEST_F(PrintEngine, FormsWithoutArguments)
         {{u"$(12x)$(1-)"}, u"$(12x)$(1-)"},
         {{u"$(12"}, u"$(12"},
         {{u"$(Unknown) $() $(\x4E2D)"}, u"$(Unknown) $() $(\x4E2D)"},
-        {{u"$(Unknown"}, u"$(Unknown"},
         {{u"$("}, u"$("},
     };
     for (const Case& c : cases)
@@ -90,7 +87,6 @@ TEST_F(PrintEngine, Conversions)
           nullptr},
          u"text|  abc|abc  |ab|abc|8-bit\x00E9|wide||"},
         {{u"%u$:%02u$:%02u$*%03u", 1, 2, 3, 4}, u"1:02:03.004"},
-        {{u"%d$&:%1u$&.%03u", 1234, 2, 7}, u"1234.2.007"},
         {{u"%d%%|50% of %d", 1, 8, 2}, u"1%|5010f 2"},
         // What makes no sense stands as it is, and its argument is taken.
         {{u"%y d|$- 5 d|%p x|%n d|%S s|%I6d|% %d|%5-d|%d", 1, 2, 3, 4, u"5", INT64_C(6), 7, 8, 9},
@@ -181,7 +177,6 @@ TEST_F(PrintEngine, TextsWithoutAPersonsFormStandAsTheyAre)
     } cases[] = {
         {{u"$(-)x"}, u"-"},
         {{u"$(1,234)x"}, u"1,234"},
-        {{u"$(1.0123456789)x"}, u"1.0123456789"},
         {{u"$-5dx", 42}, u"42   "},
         {{u"$.12fx", 0.5}, u"0.500000000000"},
         {{u"%.16zx", 5}, u"0.0000000000000005"},
@@ -210,7 +205,6 @@ TEST_F(PrintEngine, WhatDoesNotFit)
         HRESULT status;     // of that
         int64_t spare = 0;  // room that is needed beyond the whole
     } cases[] = {
-        {{u"abcdefgh"}, u"abcdefgh", u"abcdefgh", S_OK},
         {{u"$$%%$%$$"}, u"$%%$", u"$%%$", S_OK},
         {{u"$-+ 123"}, u"%-+ 123", u"%-+ 123", S_OK},
         {{u"$(Token)"}, u"the value", u"the value", S_OK},
@@ -222,10 +216,8 @@ TEST_F(PrintEngine, WhatDoesNotFit)
         {{u"$(1234567.5)"}, u"1,234,567.5", u"1234567.5", kSmall},
         {{u"%d", 1234567}, u"1234567", u"1234567", kSmall},
         {{u"$d", -1234567}, u"-1,234,567", u"-1,234,567", kSmall},
-        {{u"$u", 1234567}, u"1,234,567", u"1,234,567", kSmall},
         {{u"%08d", 1234567}, u"01234567", u"01234567", S_OK},
         {{u"%I64x", INT64_C(0x123456789A)}, u"123456789a", u"123456789a", S_OK},
-        {{u"%.3f", 1234.5}, u"1234.500", u"1234.500", S_OK},
         {{u"$e", 1234.5}, u"1.234500e+03", u"1.234500e+03", S_OK},
         {{u"$8d", 12345}, u"   12,345", u"   12345", kSmall},
         {{u"$I64d", INT64_C(1234567)}, u"1,234,567", u"1234567", kSmall},
@@ -268,7 +260,6 @@ TEST_F(PrintEngine, StatusAndRoomAfterACut)
         {{u"$(Unknown)abc"}, 12, {u"a", kSmall}},
         {{u"$(Unknown)abc"}, 13, {u"$(Unknown)ab", S_OK}},
         {{u"$(Unknown)abc"}, 11, {u"", kSmall}},
-        {{u"$(Unknown)%x", 15}, 12, {u"f", S_OK}},
         {{u"$(Unknown)%d", 5}, 12, {u"5", kSmall}},
         {{u"$(Unknown)%s", u"s"}, 12, {u"s", S_OK}},
         {{u"$(Unknown)%s", u"st"}, 12, {u"s", kCut}},
@@ -303,7 +294,6 @@ TEST_F(PrintEngine, LimitsOfTheUnboundedEngine)
     const std::u16string text = Repeat(u's', 1500);
     EXPECT_EQ(Print({u"%s|", text.c_str()}), text.substr(0, 1024) + u"|");
     EXPECT_EQ(Print({u"%1100c|", u'c'}), Repeat(u' ', 1024) + u"|");
-    EXPECT_EQ(Print({u"%300d|", 1}), Repeat(u' ', 299) + u"1|");
     EXPECT_EQ(Print({u"%783d|", 1}), Repeat(u' ', 782) + u"1|");
     EXPECT_EQ(Print({u"%784d|", 1}), Repeat(u' ', 783) + u"|");
     EXPECT_EQ(Print({u"%.2000000000f|", 0.0}), u"0." + Repeat(u'0', 781) + u"|");

@@ -28,16 +28,6 @@ std::u16string Name(int number, bool upper)
     return name;
 }
 
-std::u16string Value(Random& random)
-{
-    return std::u16string(size_t(random.Int(0, 9)), char16_t(random.Int(u'0', u'z')));
-}
-
-std::u16string Lookup(const std::u16string& name)
-{
-    return Print({(u"$(" + name + u")").c_str()});
-}
-
 } // namespace
 
 // Against a map, with names in both cases.
@@ -51,7 +41,7 @@ TEST_F(PrintTokens, AreTheLastOnesRegistered)
         if (random.Int(0, 2) == 0) {
             ASSERT_EQ(VxPrintF_DeleteToken(name.c_str()), int(model.erase(number)));
         } else {
-            model[number] = Value(random);
+            model[number] = std::u16string(size_t(random.Int(0, 9)), char16_t(random.Int(u'0', u'z')));
             std::u16string passed = model[number];
             ASSERT_EQ(VxPrintF_AddToken(name.c_str(), passed.c_str()), 1);
             passed.assign(passed.size(), u'!'); // the text was copied
@@ -59,7 +49,7 @@ TEST_F(PrintTokens, AreTheLastOnesRegistered)
         const int asked = random.Int(0, 100);
         const std::u16string askedName = Name(asked, random.Int(0, 1));
         const auto found = model.find(asked);
-        std::u16string format = u"$(" + askedName + u")";
+        const std::u16string format = u"$(" + askedName + u")";
         ASSERT_EQ(Print({format.c_str()}), found != model.end() ? found->second : format);
     }
 }
@@ -76,12 +66,12 @@ TEST(PrintTokensWithoutList, AreUnknown)
 {
     EXPECT_EQ(VxPrintF_AddToken(u"a", u"b"), 0);
     EXPECT_EQ(VxPrintF_DeleteToken(u"a"), 0);
-    EXPECT_EQ(Lookup(u"a"), u"$(a)");
+    EXPECT_EQ(Print({u"$(a)"}), u"$(a)");
     vx::DestroyPrintTokens();
     EXPECT_TRUE(vx::CreatePrintTokens());
     EXPECT_EQ(VxPrintF_AddToken(u"a", u"b"), 1);
     EXPECT_TRUE(vx::CreatePrintTokens()) << "an existing list stays";
-    EXPECT_EQ(Lookup(u"a"), u"b");
+    EXPECT_EQ(Print({u"$(a)"}), u"b");
     vx::DestroyPrintTokens();
 }
 
