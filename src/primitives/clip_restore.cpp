@@ -55,7 +55,7 @@ void ClipRestoreRowVector(uint8_t* row, int32_t width, ClipBounds bounds)
     const auto floor = hn::Set(floats, bounds.floor);
     const auto restore = [=](auto pixels) VX_LANES {
         const auto alpha = hn::Broadcast<3>(pixels);
-        const auto restored = hn::IfThenElse(hn::Gt(floor, alpha), floor, alpha);
+        const auto restored = EitherFloats(hn::Gt(floor, alpha), floor, alpha);
         return hn::IfThenElse(hn::Gt(pixels, limit), restored, pixels);
     };
     const int64_t done = ReplaceVectors(floats, row, 16 * int64_t(width), restore);

@@ -90,7 +90,7 @@ void MaskedFadeFloatRowVector(uint8_t* dst, const uint8_t* src, const uint8_t* m
         const auto rest = hn::Sub(hn::Set(floats, 1.0f), w);
         const auto mixed = hn::Add(hn::Mul(w, s), hn::Mul(rest, d));
         const auto alpha = hn::Broadcast<3>(mixed); // a pixel is four lanes
-        StoreBytes(hn::IfThenElse(hn::Gt(alpha, mixed), mixed, alpha), dst + 16 * x);
+        StoreBytes(EitherFloats(hn::Gt(alpha, mixed), mixed, alpha), dst + 16 * x);
     }
     MaskedFadeFloatRow(dst + 16 * x, src + 16 * x, mask + 4 * x, int32_t(width - x));
 }

@@ -173,7 +173,7 @@ void MultiplyPremultipliedFloatRowVector(uint8_t* row, int32_t width, MultiplyWe
     const auto factor = hn::IfThenElse(AlphaLanes(floats), hn::Set(floats, 1.0f), hn::Set(floats, w.real));
     const auto multiply = [=](auto c) VX_LANES {
         const auto product = hn::Mul(c, factor), alpha = hn::Broadcast<3>(c);
-        return hn::IfThenElse(hn::Gt(alpha, product), product, alpha);
+        return EitherFloats(hn::Gt(alpha, product), product, alpha);
     };
     const int64_t done = ReplaceVectors(floats, row, 16 * int64_t(width), multiply);
     MultiplyPremultipliedFloatRow(row + done, width - int32_t(done / 16), w);

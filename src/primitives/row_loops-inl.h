@@ -21,17 +21,29 @@ namespace HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
+// The same vector, of which the compiler knows no more than that it stands in a register.
+template <class V>
+HWY_INLINE V Unseen(V v)
+{
+    asm("" : "+v"(v.raw));
+    return v;
+}
+
+// EitherFloat (rows.h) for vectors.
+template <class M, class V>
+HWY_INLINE V EitherFloats(M first, V a, V b)
+{
+    return hn::IfThenElse(first, Unseen(a), b);
+}
+
 // A vector at any address, read once. g++ puts a load that has several uses into each of them as an operand
 // in memory, and reading the same bytes two or three times costs the short loops up to half of their
-// speed. A value that an assembler statement may have changed has to stay in a register.
+// speed.
 template <class D>
 HWY_INLINE hn::Vec<D> LoadOnce(D lanes, const uint8_t* from)
 {
-    auto v = hn::LoadU(hn::Repartition<uint8_t, D>(), from);
-#if HWY_ARCH_X86 && HWY_COMPILER_GCC_ACTUAL
-    asm("" : "+v"(v.raw));
-#endif
-    return hn::BitCast(lanes, v);
+    const auto v = hn::LoadU(hn::Repartition<uint8_t, D>(), from);
+    return hn::BitCast(lanes, HWY_COMPILER_GCC_ACTUAL ? Unseen(v) : v);
 }
 
 template <class V>

@@ -4,7 +4,6 @@
 // else unroll and vectorise a copy of it for each target, many times the code, for a few pixels.
 #pragma once
 
-#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -45,11 +44,13 @@ void StoreElement(void* at, T value)
     std::memcpy(at, &value, sizeof(T));
 }
 
-// One of two floats, bit for bit. Of a plain choice between the floats that were compared the compiler makes
-// the processor's minimum or maximum, which loses denormals where a thread flushes them.
+// One of two floats, bit for bit. Of a choice between the floats that were compared a compiler makes the
+// processor's minimum or maximum, which loses denormals where a thread flushes them. It may not where it
+// cannot know that the float chosen is one that was compared.
 inline float EitherFloat(bool first, float a, float b)
 {
-    return std::bit_cast<float>(first ? std::bit_cast<uint32_t>(a) : std::bit_cast<uint32_t>(b));
+    asm("" : "+x"(a));
+    return first ? a : b;
 }
 
 } // namespace vx
