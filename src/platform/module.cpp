@@ -38,7 +38,7 @@ std::vector<std::u16string> FileNames(std::u16string file)
     const size_t name = file.find_last_of(u"\\/:") + 1; // npos + 1 is 0
     const size_t dot = file.find(u'.', name);
     if (dot == file.npos)
-        return {file + u".so", file + u".dll"};
+        return {file + u".so", file + u".dll", file};
     if (dot == file.size() - 1)
         file.pop_back();
     return {file};

@@ -12,7 +12,6 @@ namespace vxplatform {
 namespace {
 
 constexpr WORD kNeutral = 0, kEnglishUs = 0x0409, kEnglish = 0x0009, kPrimaryMask = 0x03FF;
-constexpr unsigned kStringsInBlock = 16;
 
 std::nullptr_t Fail(DWORD code)
 {
@@ -59,25 +58,6 @@ const Resource* ChooseLanguage(ResourceImage::Range languages)
         if (const Resource* found = FindLanguage(languages, language))
             return found;
     return languages.empty() ? nullptr : &languages.front();
-}
-
-// The characters of a string of a block: sixteen lengths, each with its characters behind it. None where
-// the block ends before.
-std::span<const std::byte> StringAt(std::span<const std::byte> block, unsigned index)
-{
-    for (;; --index) {
-        uint16_t length;
-        if (block.size() < sizeof(length))
-            return {};
-        std::memcpy(&length, block.data(), sizeof(length));
-        block = block.subspan(sizeof(length));
-        const size_t bytes = size_t(length) * sizeof(WCHAR);
-        if (block.size() < bytes)
-            return {};
-        if (index == 0)
-            return block.first(bytes);
-        block = block.subspan(bytes);
-    }
 }
 
 HRSRC HandleOf(const Resource* resource)
@@ -165,7 +145,7 @@ int LoadStringW(HINSTANCE module, UINT id, WCHAR* text, int chars)
         const Resource* resource = ChooseLanguage(FindName(found.Resources(), RT_STRING, block));
         if (!resource)
             return 0;
-        const std::span<const std::byte> string = StringAt(resource->data, number % kStringsInBlock);
+        const std::span<const std::byte> string = StringOfBlock(resource->data, number % kStringsInBlock);
         const size_t length = std::min(string.size() / sizeof(WCHAR), size_t(chars) - 1);
         if (length > 0)
             std::memcpy(text, string.data(), length * sizeof(WCHAR));

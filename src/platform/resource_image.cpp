@@ -145,6 +145,23 @@ ResourceName NameFrom(const WCHAR* name)
     return {0, std::u16string(text)};
 }
 
+Bytes StringOfBlock(Bytes block, unsigned index)
+{
+    for (;; --index) {
+        uint16_t length;
+        if (block.size() < sizeof(length))
+            return {};
+        std::memcpy(&length, block.data(), sizeof(length));
+        block = block.subspan(sizeof(length));
+        const size_t bytes = size_t(length) * sizeof(char16_t);
+        if (block.size() < bytes)
+            return {};
+        if (index == 0)
+            return block.first(bytes);
+        block = block.subspan(bytes);
+    }
+}
+
 ResourceImage::ResourceImage(Bytes file)
 {
     isImage_ = true;

@@ -14,6 +14,12 @@ namespace vxplatform {
 // A resource as a caller names it: a pointer below 0x10000 is a number, "#12" the number 12.
 ResourceName NameFrom(const WCHAR* name);
 
+constexpr unsigned kStringsInBlock = 16; // of which each resource of strings is one
+
+// The characters of a string of a block: sixteen lengths, each with its characters behind it. None where
+// the block ends before.
+std::span<const std::byte> StringOfBlock(std::span<const std::byte> block, unsigned index);
+
 struct Resource
 {
     ResourceName type, name;

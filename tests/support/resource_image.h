@@ -50,6 +50,7 @@ struct ResourceKey
 {
     ResourceKey(int value) : number(uint16_t(value)) {}
     ResourceKey(const char16_t* value) : text(value) {}
+    bool operator==(const ResourceKey&) const = default;
     bool operator<(const ResourceKey& other) const
     {
         return std::tuple(text.empty(), text, number) <

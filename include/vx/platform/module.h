@@ -65,13 +65,14 @@ VX_EXTERN_C_BEGIN
 /* ---- Modules ---- */
 
 /* Loads a module, or counts one more load of one that is loaded: each load wants its FreeLibrary.
- *   file   path, through the drive map. A name without an extension gets ".so", then ".dll"; a dot at its
- *          end says that it has none. A name without a folder is looked for beside the executable and
- *          then, for shared objects, where the system keeps them: "OpenCL.dll" is there libOpenCL.so or
- *          libOpenCL.so.1. The working directory is not searched.
- * ERROR_MOD_NOT_FOUND where there is no such file, or a shared object that needs another one that cannot
- * be loaded (the debug text of debug.h then says which); ERROR_BAD_EXE_FORMAT for a file that is no
- * module, and for code of another machine; ERROR_PATH_NOT_FOUND for a drive that is not in the map. */
+ *   file   path, through the drive map. A name without an extension is tried with ".so", then with
+ *          ".dll", then as it is; a dot at its end says that it has none. A name without a folder is
+ *          looked for beside the executable and then, for shared objects, where the system keeps them:
+ *          "OpenCL.dll" is there libOpenCL.so or libOpenCL.so.1. The working directory is not searched.
+ * ERROR_MOD_NOT_FOUND where there is no such file, and for a shared object that the system does not load,
+ * as one that needs another that is missing (a debug text, debug.h, says why). ERROR_BAD_EXE_FORMAT for a
+ * file that is no module, ERROR_ACCESS_DENIED for one that cannot be read, ERROR_PATH_NOT_FOUND for a
+ * drive that is not in the map, ERROR_INVALID_PARAMETER for a null or empty path. */
 VX_PLATFORM_API HMODULE LoadLibraryW(const WCHAR* file);
 
 /* The same, with
@@ -83,7 +84,7 @@ VX_PLATFORM_API HMODULE LoadLibraryW(const WCHAR* file);
 VX_PLATFORM_API HMODULE LoadLibraryExW(const WCHAR* file, HANDLE reserved, DWORD flags);
 
 /* Takes back one load; with the last one the handle and what was found in the module are gone. FALSE,
- * with nothing done, for a handle that LoadLibraryW did not give: the executable, say. */
+ * with nothing done, where no load of the module is counted: for the executable, say. */
 VX_PLATFORM_API BOOL FreeLibrary(HMODULE module);
 
 /* The address of what a shared object or the executable exports under a name; null is the executable.
