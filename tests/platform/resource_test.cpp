@@ -62,7 +62,7 @@ void Walk(const Bytes& file)
 {
     // Without spare room behind the end, for the sanitizer.
     const std::unique_ptr<std::byte[]> exact(new std::byte[file.size()]);
-    std::memcpy(exact.get(), file.data(), file.size());
+    std::ranges::copy(std::as_bytes(std::span(file)), exact.get());
     const std::span<const std::byte> bytes(exact.get(), file.size());
     const std::span<const std::byte> section = vxplatform::FindElfSection(bytes, ".vxres");
     const vxplatform::ResourceImage image(section.empty() ? bytes : section);
