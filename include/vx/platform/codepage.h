@@ -22,7 +22,7 @@ typedef struct DetectEncodingInfo
     UINT nLangID;    /* primary language that this code page suggests, 0x0011 for 932; 0: none */
     UINT nCodePage;  /* its number */
     INT nDocPercent; /* how much of the text it can be, in bytes; 100 only where that is all */
-    INT nConfidence; /* 0 to 100; 100 where the detector is as sure as it ever is of that kind */
+    INT nConfidence; /* 0 to 100; 100 only where there is no doubt left that the text tells */
 } DetectEncodingInfo;
 VX_STATIC_ASSERT(sizeof(DetectEncodingInfo) == 16, "the published record has 16 bytes");
 VX_STATIC_ASSERT(offsetof(DetectEncodingInfo, nDocPercent) == 8, "the published order of fields");
@@ -31,7 +31,9 @@ VX_EXTERN_C_BEGIN
 
 /* Guesses the code page of a text from its bytes, by how often letters and their runs come in languages;
  * the first 8,000 bytes or so decide, the percentage is of all. A character that is cut at the end counts
- * as whole. A text of ASCII alone is 20127.
+ * as whole. There is no doubt (nConfidence 100) about a text of ASCII alone, which is 20127; one that has
+ * the form of UTF-8; one of some ten double-byte characters, their frequent ones among them; and one of 32
+ * bytes or more whose letters fit a code page half as well again as any other.
  *   flags      MLDETECTCP_8BIT: the text has units of 8 bits; no UTF-16, UTF-32 or ISO 2022. 0: any
  *   preferred  code page that comes first among those of equal confidence; 0: none
  *   text       bytes, need not be terminated
