@@ -33,7 +33,7 @@ TEST(DirectCopy, EveryWidthInEveryForm)
                         const OnlyLevel only(form);
                         Picture got = dest;
                         ASSERT_EQ(Copy(got, source, a), S_OK);
-                        ASSERT_EQ(Difference(got, want, pair.dest == 32), 0.0)
+                        ASSERT_TRUE(pair.dest == 32 ? Difference(got, want) == 0.0 : got == want)
                             << form.name << ": " << got << "\nwanted " << want << "\nfrom " << source << a;
                     }
                 }

@@ -40,48 +40,35 @@ float RandomFloat(Random& random, bool hard)
 
 Picture::Picture(int32_t type, int32_t width, int32_t height, Rows rows, Random& random, bool hard,
                  uint32_t entries)
-    : type_(type), front_(40 + 4 * 256)
+    : type_(type), front_(40 + 4 * 256), rows_((BitsOf(type) * width + 7) / 8, height, 1, rows, random)
 {
     std::vector<RGBQUAD> table(entries);
     for (RGBQUAD& entry : table)
         entry = {random.Byte(), random.Byte(), random.Byte(), random.Byte()};
     VxVideo_InitBitmapInfo(Header(), type, width, height, table.data(), int32_t(entries), nullptr);
-    const int32_t rowBytes = int32_t((int64_t(BitsOf(type)) * width + 7) / 8);
-    const int32_t pitch = rowBytes + (rows == Rows::Tight ? 0 : 13);
-    constexpr size_t kGuard = 64;
-    offset_ = kGuard + (rows == Rows::Tight ? 0 : 1) +
-              (rows == Rows::Negative ? size_t(pitch) * size_t(height - 1) : 0);
-    stride_ = rows == Rows::Negative ? -pitch : pitch;
-    memory_.resize(size_t(pitch) * size_t(height) + 2 * kGuard + 1);
-    for (uint8_t& byte : memory_)
-        byte = random.Byte();
-    if (IsFloat(type))
-        for (int32_t y = 0; y < height; ++y)
-            for (int32_t i = 0; i < rowBytes; i += 4) {
-                const float x = RandomFloat(random, hard);
-                std::memcpy(Row(y) + i, &x, sizeof(x));
-            }
+    for (int32_t y = 0; IsFloat(type) && y < height; ++y)
+        for (int32_t i = 0; i < rows_.Width() / 4; ++i)
+            rows_.Set(i, y, RandomFloat(random, hard));
 }
 
 std::ostream& operator<<(std::ostream& out, const Picture& p)
 {
-    return out << "type " << p.type_ << ", " << p.Width() << "x" << p.Height() << ", stride " << p.stride_;
+    return out << "type " << p.type_ << ", " << p.Width() << "x" << p.Height() << ", stride " << p.Stride();
 }
 
-double Difference(const Picture& a, const Picture& b, bool floats)
+double Difference(const Picture& a, const Picture& b)
 {
     double most = 0.0;
-    for (size_t i = 0; i < a.memory_.size(); ++i)
-        if (!floats)
-            most = std::max(most, std::fabs(double(a.memory_[i]) - b.memory_[i]));
-    for (int32_t y = 0; floats && y < a.Height(); ++y)
-        for (int32_t i = 0; i < a.Width() * BitsOf(a.type_) / 32; ++i) {
-            float x, z;
-            std::memcpy(&x, a.Row(y) + 4 * i, 4);
-            std::memcpy(&z, b.Row(y) + 4 * i, 4);
+    const bool floats = IsFloat(a.type_);
+    for (int32_t y = 0; y < a.Height(); ++y)
+        for (int32_t i = 0; i < a.rows_.Width() / (floats ? 4 : 1); ++i) {
+            const auto at = [&](const Frame& f) {
+                return double(floats ? f.Get<float>(i, y) : float(f.Get<uint8_t>(i, y)));
+            };
+            const double x = at(a.rows_), z = at(b.rows_);
             const bool equal = x == z || (std::isnan(x) && std::isnan(z));
             const double distance =
-                equal ? 0.0 : std::fabs(double(x) - z) / std::max(1.0, std::fabs(double(x)));
+                equal ? 0.0 : std::fabs(x - z) / (floats ? std::max(1.0, std::fabs(x)) : 1.0);
             most = distance >= 0.0 ? std::max(most, distance) : std::numeric_limits<double>::infinity();
         }
     return most;
