@@ -1,8 +1,6 @@
-#include "dib/fixed.h"
 #include "support/random.h"
 #include "vx/dib.h"
 
-#include <cmath>
 #include <gtest/gtest.h>
 
 // In the namespace of RECT, where GoogleTest looks.
@@ -142,23 +140,6 @@ TEST(Rects, OutputsMayBeTheInputsAndTheClipMayBeNull)
     VxDibPrepareRects(&d, &dest, &dest, &s, &source, &source, nullptr);
     EXPECT_EQ(dest, (RECT{0, 0, 10, 100}));
     EXPECT_EQ(source, (RECT{4, 0, 40, 50}));
-}
-
-TEST(Fixed, FloorAndCeilingOfCoordinatesAndTheByteBlend)
-{
-    Random random;
-    for (int32_t i = 0; i < 10000; ++i) {
-        const int32_t c = random.Int(-(1 << 20), 1 << 20) >> (i % 8);
-        ASSERT_EQ(vx::SubpixelFloor(c), int32_t(std::floor(c / 16384.0)) * 16384) << c;
-        ASSERT_EQ(vx::SubpixelCeiling(c), int32_t(std::ceil(c / 16384.0)) * 16384) << c;
-        ASSERT_EQ(vx::SubpixelFloor(c) + vx::SubpixelFraction(c), c);
-    }
-    for (int32_t v = 0; v < 256; ++v)
-        for (int32_t c = 0; c < 256; ++c)
-            for (int32_t a = 0; a < 256; a += c % 2 ? 1 : 17)
-                ASSERT_NEAR(vx::BlendByte(uint8_t(v), uint8_t(c), a), v + (c - v) * a / 255.0,
-                            c >= v ? 0.5 : 0.502)
-                    << v << " " << c << " " << a;
 }
 
 } // namespace
