@@ -106,6 +106,9 @@ TEST(DibCopy, RowsOfSeveralRuns)
         for (const uint32_t feather : {0u, 0x4F000u, 0x80C000u})
             ExpectModel(dest, source, {{}, {}, 3 | feather});
         ExpectModel(dest, source, {RECT{3000, 5000, 8500000, 60000}, {}, 3 | VXDIBF_SUBPIXEL});
+        // One pixel of source, across two columns.
+        ExpectModel(dest, source,
+                    {RECT{3000, 0, 90000, 60000}, RECT{100, 0, 16484, 40000}, 3 | VXDIBF_SUBPIXEL});
         ExpectModel(dest, source, {RECT{1, 0, 518, 3}, RECT{3, 0, 520, 3}, 1});
     }
 }

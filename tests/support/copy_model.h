@@ -32,6 +32,7 @@ public:
     }
     BITMAPINFOHEADER* Header() { return reinterpret_cast<BITMAPINFOHEADER*>(front_.data()); }
     const RGBQUAD* Table() const { return reinterpret_cast<const RGBQUAD*>(front_.data() + 40); }
+    RGBQUAD* Table() { return reinterpret_cast<RGBQUAD*>(front_.data() + 40); } // black behind its entries
     int32_t Type() const { return type_; }
     int32_t Width() const { return Header()->biWidth; }
     int32_t Height() const { return Header()->biHeight; }
