@@ -108,7 +108,7 @@ TEST(DibCopy, RowsOfSeveralRuns)
         ExpectModel(dest, source, {RECT{3000, 5000, 8500000, 60000}, {}, 3 | VXDIBF_SUBPIXEL});
         // One pixel of source, across two columns.
         ExpectModel(dest, source,
-                    {RECT{3000, 0, 90000, 60000}, RECT{100, 0, 16484, 40000}, 3 | VXDIBF_SUBPIXEL});
+                    {RECT{8192, 0, 40960, 60000}, RECT{100, 0, 16484, 40000}, 3 | VXDIBF_SUBPIXEL});
         ExpectModel(dest, source, {RECT{1, 0, 518, 3}, RECT{3, 0, 520, 3}, 1});
     }
 }
