@@ -127,8 +127,8 @@ TEST_F(CommandLine, InfoTellsWhatAFileIs)
         folder.Run("info a.png rgb555.bmp").out,
         AllOf(StartsWith("a.png\n  size           8x6 pixels\n  format         PNG, colour and alpha\n"),
               HasSubstr("read as        rgb555, type 25")));
-    folder.Run("fill two.bmp --colour ff0010 --size 3x3 --type pal1");
-    EXPECT_THAT(folder.Run("info two.bmp --palette").out, EndsWith("1 entries\n    ff0010\n"));
+    folder.Run("fill one.bmp --colour ff0010 --size 3x3 --type pal4");
+    EXPECT_THAT(folder.Run("info one.bmp --palette").out, EndsWith("1 entries\n    ff0010\n"));
 }
 
 TEST_F(CommandLine, AFailedWriteLeavesTheOldFileAndNoOther)

@@ -35,7 +35,7 @@ constexpr ResultCase kResults[] = {
     {"fade a.png b.png m.png out.png --channel green", 0xFF0000FF, 0, 0xFF00FFFF, 0xFF0000FF},
     {"multiply a.png out.png --factor 0.5", 0xFF8000FF, 0, 0, 0x7F4000FF},
     {"multiply a.png out.png --factor 0.5 --alpha", 0xFF0000FF, 0, 0, 0xFF00007F},
-    {"multiply a.png out.png --by b.png --type rgba32", 0xFF8000FF, 0x8080FFFF, 0, 0x804000FF},
+    {"multiply a.png out.png --by b.png --type rgba32", 0xFF8000FF, 0x80FFFFFF, 0, 0x808000FF},
     {"mask a.png m.png out.png", 0xFF80FFFF, 0, 0x80FF00FF, 0x808000FF},
     {"mask a.png m.png out.png --channel green --scale -1 --offset 1", 0xFF8000FF, 0, 0xFF40FFFF, 0xFF8000BF},
     {"lut a.png out.png --curve red=0,0:128,180:255,255 --curve blue=7,9", 0x404040FF, 0, 0, 0x5A4009FF},

@@ -4,7 +4,7 @@
 #include "vx/composite.h"
 #include "vxtool/commands.h"
 #include "vxtool/patterns.h"
-#include "vxtool/resample.h"
+#include "vxtool/placing.h"
 #include "vxtool/text.h"
 
 namespace vxtool {
