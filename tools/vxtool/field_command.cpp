@@ -1,28 +1,22 @@
-// fields: the two halves of an interlaced frame. The top field is the rows 0, 2, 4 of the picture, the
-// bottom field the rows 1, 3, 5.
+// fields: interlaced video taken apart and put together.
 #include "vx/dibcopy.h"
 #include "vx/fields.h"
 #include "vxtool/commands.h"
 #include "vxtool/conversion.h"
 #include "vxtool/failure.h"
+#include "vxtool/fields.h"
 
 namespace vxtool {
 namespace {
 
-// As the library counts fields of whole pictures.
-enum FieldNumber
-{
-    kBottom = 0,
-    kTop = 1,
-};
-constexpr Choice kFieldNames[] = {{"top", kTop}, {"bottom", kBottom}};
+constexpr Choice kFieldNames[] = {{"top", kTopField}, {"bottom", kBottomField}};
 
 // Every second row of a bitmap whose header has no masks and no table behind it.
 struct FieldBitmap
 {
     FieldBitmap(Dib& dib, FieldNumber field) : header(*dib.Header()), stride(2 * int32_t(dib.RowBytes()))
     {
-        const int32_t first = field == kTop ? 0 : 1;
+        const int32_t first = field == kTopField ? 0 : 1;
         header.biHeight = (dib.Height() + 1 - first) / 2;
         pixels = dib.Row(first + 2 * (header.biHeight - 1));
     }
@@ -53,13 +47,10 @@ void WriteAs(const Arguments& arguments, size_t operand, Dib dib)
 
 void Keep(const Arguments& arguments)
 {
-    const int32_t field = arguments.OneOf("--keep", kFieldNames, kTop);
+    const auto field = FieldNumber(arguments.OneOf("--keep", kFieldNames, kTopField));
     CheckOutput(arguments.Operand(1), AskedType(arguments));
     const Dib frame = LoadPlain(arguments.Operand(0));
-    Dib whole(frame.Type(), frame.Width(), frame.Height());
-    CheckStatus(VxDibCopyInterlace(whole.Header(), nullptr, nullptr, 0, frame.Header(), nullptr, nullptr, 0,
-                                   field, uint32_t(kFineQuality)));
-    WriteAs(arguments, 1, std::move(whole));
+    WriteAs(arguments, 1, Deinterlaced(frame, field));
 }
 
 void Split(const Arguments& arguments)
@@ -69,13 +60,8 @@ void Split(const Arguments& arguments)
     Dib frame = LoadPlain(arguments.Operand(0));
     if (frame.Height() < 2)
         FailArgument(arguments.Operand(0), " has one row and so no second field");
-    for (const FieldNumber field : {kTop, kBottom}) {
-        const FieldBitmap rows(frame, field);
-        Dib half(frame.Type(), frame.Width(), rows.header.biHeight);
-        CheckStatus(VxDibCopy(half.Header(), nullptr, nullptr, 0, &rows.header, rows.pixels, nullptr,
-                              rows.stride, uint32_t(kFineQuality), 0.0, 0.0));
-        WriteAs(arguments, field == kTop ? 1 : 2, std::move(half));
-    }
+    WriteAs(arguments, 1, OneField(frame, kTopField));
+    WriteAs(arguments, 2, OneField(frame, kBottomField));
 }
 
 void Merge(const Arguments& arguments)
@@ -84,8 +70,7 @@ void Merge(const Arguments& arguments)
     Dib frame = LoadPlain(arguments.Operand(0));
     const Dib other = LoadPlain(arguments.Operand(1), frame.Type());
     CheckSameSize(arguments.Operand(0), frame, arguments.Operand(1), other);
-    CheckStatus(VxDibMergeFields(frame.Header(), nullptr, 0, other.Header(), nullptr, 0, kBottom));
-    WriteAs(arguments, 2, std::move(frame));
+    WriteAs(arguments, 2, Merged(std::move(frame), other));
 }
 
 void Weave(const Arguments& arguments)
@@ -98,14 +83,7 @@ void Weave(const Arguments& arguments)
         FailArgument(arguments.Operand(0), " is ", top.Width(), "x", top.Height(), " and ",
                      arguments.Operand(1), " is ", bottom.Width(), "x", bottom.Height(),
                      " pixels; fields must be of one size, or the top one a row higher");
-    Dib frame(top.Type(), top.Width(), top.Height() + bottom.Height());
-    for (const FieldNumber field : {kTop, kBottom}) {
-        const FieldBitmap rows(frame, field);
-        const Dib& half = field == kTop ? top : bottom;
-        CheckStatus(VxDibCopy(&rows.header, rows.pixels, nullptr, rows.stride, half.Header(), nullptr,
-                              nullptr, 0, uint32_t(kFineQuality), 0.0, 0.0));
-    }
-    WriteAs(arguments, 2, std::move(frame));
+    WriteAs(arguments, 2, Woven(top, bottom));
 }
 
 struct Mode
@@ -148,6 +126,41 @@ constexpr Option kFieldsOptions[] = {
 };
 
 } // namespace
+
+Dib Deinterlaced(const Dib& frame, FieldNumber field)
+{
+    Dib whole(frame.Type(), frame.Width(), frame.Height());
+    CheckStatus(VxDibCopyInterlace(whole.Header(), nullptr, nullptr, 0, frame.Header(), nullptr, nullptr, 0,
+                                   field, uint32_t(kFineQuality)));
+    return whole;
+}
+
+Dib OneField(Dib& frame, FieldNumber field)
+{
+    const FieldBitmap rows(frame, field);
+    Dib half(frame.Type(), frame.Width(), rows.header.biHeight);
+    CheckStatus(VxDibCopy(half.Header(), nullptr, nullptr, 0, &rows.header, rows.pixels, nullptr, rows.stride,
+                          uint32_t(kFineQuality), 0.0, 0.0));
+    return half;
+}
+
+Dib Woven(const Dib& top, const Dib& bottom)
+{
+    Dib frame(top.Type(), top.Width(), top.Height() + bottom.Height());
+    for (const FieldNumber field : {kTopField, kBottomField}) {
+        const FieldBitmap rows(frame, field);
+        const Dib& half = field == kTopField ? top : bottom;
+        CheckStatus(VxDibCopy(&rows.header, rows.pixels, nullptr, rows.stride, half.Header(), nullptr,
+                              nullptr, 0, uint32_t(kFineQuality), 0.0, 0.0));
+    }
+    return frame;
+}
+
+Dib Merged(Dib frame, const Dib& other)
+{
+    CheckStatus(VxDibMergeFields(frame.Header(), nullptr, 0, other.Header(), nullptr, 0, kBottomField));
+    return frame;
+}
 
 const Command kFields = {
     "fields",
