@@ -99,6 +99,7 @@ constexpr BadCase kBadCases[] = {
     {"fields a.png out.png", 2, "one of --keep, --split, --weave and --merge is needed"},
     {"fields a.png b.png out.png --weave --merge", 2, "--weave and --merge exclude each other"},
     {"fields a.png out.png --split", 2, "the usage is vxtool fields IN TOP BOTTOM --split"},
+    {"fields a.png out.png out.png --split", 2, "must be two files, not out.png twice"},
     {"fields a.png out.png --keep odd", 2, "--keep takes top or bottom, not 'odd'"},
     {"fields a.png small.png out.png --merge", 2, "they must be of one size"},
     {"fields small.png a.png out.png --weave", 2, "fields must be of one size, or the top one a row higher"},

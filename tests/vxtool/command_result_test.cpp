@@ -62,6 +62,8 @@ constexpr ResultCase kResults[] = {
     {"convert a.png out.png --type rgba128 --gamma 1.0", 0x808080FF, 0, 0, 0x434343FF},
     {"convert a.png out.png --via rgba128 --type rgba32 --source-gamma 1 --quality 2", 0x808080FF, 0, 0,
      0xB4B4B4FF},
+    {"convert a.png out.png --via rgba128 --type pal8 --source-gamma 1 --quality 2", 0x808080FF, 0, 0,
+     0xB4B4B4FF},
     {"palette a.png out.png", 0xFF0010FF, 0, 0, 0xFF0010FF},
     {"palette a.png out.png --like b.png --colours 2", 0xFF0010FF, 0x334455FF, 0, 0x334455FF},
     {"pixel a.png out.png --at 2,1 --at 0,0 --set 01020304", 0xFFFFFFFF, 0, 0, 0x01020304},

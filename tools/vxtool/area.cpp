@@ -8,9 +8,9 @@
 namespace vxtool {
 namespace {
 
-int32_t Units(std::string_view option, std::string_view text)
+int32_t Units(double pixels)
 {
-    return int32_t(std::lround(ParseNumber(option, text, 0.0, kLargestSide) * kSubpixel));
+    return int32_t(std::lround(pixels * kSubpixel));
 }
 
 RECT ParseArea(std::string_view option, std::string_view text)
@@ -19,8 +19,12 @@ RECT ParseArea(std::string_view option, std::string_view text)
     const auto size = parts.size() == 3 ? SplitAt(parts[2], 'x') : std::vector<std::string>();
     if (size.size() != 2)
         FailArgument(option, " takes a rectangle as X,Y,WxH, not '", text, "'");
-    const int32_t x = Units(option, parts[0]), y = Units(option, parts[1]);
-    return {x, y, x + Units(option, size[0]), y + Units(option, size[1])};
+    const auto number = [option](const std::string& part) {
+        return ParseNumber(option, part, 0.0, kLargestSide);
+    };
+    // Sides are rounded, not sizes: what ends on a whole pixel stays there.
+    const double x = number(parts[0]), y = number(parts[1]);
+    return {Units(x), Units(y), Units(x + number(size[0])), Units(y + number(size[1]))};
 }
 
 } // namespace

@@ -2,10 +2,10 @@
 
 #include "vx/dib.h"
 #include "vx/dibcopy.h"
-#include "vxtool/failure.h"
 
 #include <cstring>
 #include <map>
+#include <new>
 
 namespace vxtool {
 namespace {
@@ -82,18 +82,21 @@ std::vector<RGBQUAD> OwnPalette(const Dib& bytes, uint32_t count, const RECT& ar
 void CheckStatus(HRESULT status)
 {
     if (FAILED(status))
-        FailFile("there is not enough memory for these pictures");
+        throw std::bad_alloc();
 }
 
 Dib Converted(Dib source, VxPixelType type, const Transfer& transfer)
 {
     if (source.Type() == type && transfer.gamma == transfer.sourceGamma)
         return source;
-    if (type == VXPIXEL_PAL4 || type == VXPIXEL_PAL8) {
-        const auto palette = ChosenPalette(source, PaletteRoom(type));
-        return Indexed(std::move(source), type, palette, transfer);
-    }
     source = WithoutTable(std::move(source));
+    if (type == VXPIXEL_PAL4 || type == VXPIXEL_PAL8) {
+        // The colours to choose from are those behind the curve.
+        if (transfer.gamma != transfer.sourceGamma)
+            source = Copied(source, VXPIXEL_RGBA32, {}, transfer);
+        const auto palette = ChosenPalette(source, PaletteRoom(type));
+        return Indexed(std::move(source), type, palette);
+    }
     return Copied(source, type, type == VXPIXEL_PAL1 ? kBlackAndWhite : std::span<const RGBQUAD>(), transfer);
 }
 
@@ -114,9 +117,9 @@ std::vector<RGBQUAD> ChosenPalette(const Dib& picture, uint32_t count, const REC
     return {holder.Palette().begin(), holder.Palette().end()};
 }
 
-Dib Indexed(Dib source, VxPixelType type, std::span<const RGBQUAD> palette, const Transfer& transfer)
+Dib Indexed(Dib source, VxPixelType type, std::span<const RGBQUAD> palette)
 {
-    return Copied(WithoutTable(std::move(source)), type, palette, transfer);
+    return Copied(WithoutTable(std::move(source)), type, palette, {});
 }
 
 VxPixelType PaletteTypeFor(uint32_t entries)

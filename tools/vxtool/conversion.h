@@ -28,7 +28,7 @@ Dib Converted(Dib source, VxPixelType type, const Transfer& transfer = {});
 std::vector<RGBQUAD> ChosenPalette(const Dib& picture, uint32_t count, const RECT* area = nullptr);
 
 // Each pixel becomes the index of a near entry; type is pal4 or pal8.
-Dib Indexed(Dib source, VxPixelType type, std::span<const RGBQUAD> palette, const Transfer& transfer = {});
+Dib Indexed(Dib source, VxPixelType type, std::span<const RGBQUAD> palette);
 
 // The palette type for that many entries, and the entries that a palette type has room for.
 VxPixelType PaletteTypeFor(uint32_t entries);
@@ -50,7 +50,7 @@ private:
     const Dib& dib_;
 };
 
-// Fails for want of memory: nothing else goes wrong in a call whose arguments have been checked.
+// For calls whose arguments have been checked, so that only memory can be missing: std::bad_alloc.
 void CheckStatus(HRESULT status);
 
 } // namespace vxtool

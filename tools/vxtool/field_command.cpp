@@ -55,6 +55,8 @@ void Keep(const Arguments& arguments)
 
 void Split(const Arguments& arguments)
 {
+    if (arguments.Operand(1) == arguments.Operand(2))
+        FailArgument("TOP and BOTTOM must be two files, not ", arguments.Operand(1), " twice");
     for (const size_t operand : {1, 2})
         CheckOutput(arguments.Operand(operand), AskedType(arguments));
     Dib frame = LoadPlain(arguments.Operand(0));
