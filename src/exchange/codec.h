@@ -368,6 +368,22 @@ struct Bytes3At8Codec
     }
 };
 
+// Blue, green, red and alpha bytes, as a word.
+struct Bytes4Word
+{
+    template <bool kExact>
+    HWY_INLINE static Pixel16 Decode(uint32_t p, const ReadContext& context)
+    {
+        Pixel16 pixel = Bytes3Codec::Decode<kExact>(p, context);
+        pixel.alpha = WidenByte<kExact>(p >> 24);
+        return pixel;
+    }
+    HWY_INLINE static uint32_t Encode(const Pixel16& p, const WriteContext& context)
+    {
+        return Bytes3Codec::Encode(p, context) | uint32_t(p.alpha >> 8) << 24;
+    }
+};
+
 // Four channels of a kind, alpha like the colours.
 template <class TheElement, class Form>
 struct ChannelsCodec : Form
