@@ -194,24 +194,6 @@ void MixGroupAtEnd(float* line, const uint8_t* row, const Columns& columns, int3
     }
 }
 
-// One value a pixel, each in the four lanes of its pixel.
-HWY_INLINE hn::Vec<Ints> SpreadPixels(const int32_t* values)
-{
-    const Ints ints;
-    if constexpr (kVectorPixels == 1)
-        return hn::Set(ints, values[0]);
-    else if constexpr (kVectorPixels == 2)
-        return hn::Combine(ints, hn::Set(hn::Half<Ints>(), values[1]), hn::Set(hn::Half<Ints>(), values[0]));
-    else {
-        const Bytes bytes;
-        const auto four = hn::LoadDup128(ints, values);
-        const auto lane = hn::ShiftRight<2>(hn::Iota(ints, 0));
-        // 4 i to 4 i + 3 in each lane of pixel i
-        const auto places = hn::Add(hn::Mul(lane, hn::Set(ints, 0x04040404)), hn::Set(ints, 0x03020100));
-        return hn::BitCast(ints, hn::TableLookupBytes(hn::BitCast(bytes, four), hn::BitCast(bytes, places)));
-    }
-}
-
 // Mixes the columns of a row into a line of integers, in units of 1/16384 and half a unit of the result
 // more: floats of the kind that kIntegerFloat starts.
 void MixColumns(float* line, const uint8_t* row, const uint8_t* rowAfter, const Columns& columns)

@@ -1,4 +1,4 @@
-// Vector helpers of the linear and cubic kernels. Included once for each target.
+// Vector helpers of the kernels that work several pixels at a time. Included once for each target.
 #if defined(VX_DIB_SCALE_TAPS_INL_H) == defined(HWY_TARGET_TOGGLE)
 #ifdef VX_DIB_SCALE_TAPS_INL_H
 #undef VX_DIB_SCALE_TAPS_INL_H
@@ -34,6 +34,24 @@ HWY_INLINE hn::Vec<D> GatherBlocks(D d, const T* from, const int32_t* places, in
         constexpr int32_t kNextHalf = every * int32_t(hn::MaxLanes(half) * sizeof(T) / 16);
         return hn::Combine(d, GatherBlocks<every>(half, from, places + kNextHalf, scale),
                            GatherBlocks<every>(half, from, places, scale));
+    }
+}
+
+// One value a pixel, each in the four lanes of its pixel.
+HWY_INLINE hn::Vec<Ints> SpreadPixels(const int32_t* values)
+{
+    const Ints ints;
+    if constexpr (kVectorPixels == 1)
+        return hn::Set(ints, values[0]);
+    else if constexpr (kVectorPixels == 2)
+        return hn::Combine(ints, hn::Set(hn::Half<Ints>(), values[1]), hn::Set(hn::Half<Ints>(), values[0]));
+    else {
+        const Bytes bytes;
+        const auto four = hn::LoadDup128(ints, values);
+        const auto lane = hn::ShiftRight<2>(hn::Iota(ints, 0));
+        // 4 i to 4 i + 3 in each lane of pixel i
+        const auto places = hn::Add(hn::Mul(lane, hn::Set(ints, 0x04040404)), hn::Set(ints, 0x03020100));
+        return hn::BitCast(ints, hn::TableLookupBytes(hn::BitCast(bytes, four), hn::BitCast(bytes, places)));
     }
 }
 
