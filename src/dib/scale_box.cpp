@@ -391,6 +391,53 @@ void BoxByteRowWide(const ScaleJob& job, const Strip& strip, uint8_t* dest, int3
     BoxByteRow<true>(job, strip, dest, begin, end, y);
 }
 
+// The four channels of a box side by side, in the order of the plain form.
+template <class D>
+HWY_INLINE hn::Vec<D> SumOfFloats(D lanes, const ScaleJob& job, const BoxSpan& x, const BoxSpan& y)
+{
+    const auto load = [&](const float* row, int32_t column) HWY_ATTR {
+        return hn::PromoteTo(lanes, hn::LoadU(hn::Rebind<float, D>(), row + 4 * int64_t(column)));
+    };
+    const auto share = [&](int32_t s) HWY_ATTR { return hn::Set(lanes, Multiplier<double>(s)); };
+    auto sum = hn::Zero(lanes);
+    for (int32_t line = y.first; line <= y.last; ++line) {
+        const auto* const row =
+            reinterpret_cast<const float*>(job.SourceRow(line)); // loaded from any address
+        const int32_t rowShare = ShareAt(y, line);
+        auto whole = hn::Zero(lanes);
+        for (int32_t column = x.first + 1; column < x.last; ++column)
+            whole = hn::Add(whole, load(row, column));
+        sum = hn::Add(sum, hn::Mul(load(row, x.first), share(CoverageProduct(x.firstShare, rowShare))));
+        sum = hn::Add(sum, hn::Mul(whole, share(rowShare)));
+        if (x.last != x.first)
+            sum = hn::Add(sum, hn::Mul(load(row, x.last), share(CoverageProduct(x.lastShare, rowShare))));
+    }
+    return sum;
+}
+
+template <class D>
+HWY_INLINE void BoxFloats(D lanes, const ScaleJob& job, const Strip& strip, uint8_t* dest, int32_t begin,
+                          int32_t end, const BoxSpan& y)
+{
+    if constexpr (hn::MaxLanes(lanes) < 4) {
+        BoxRow<FloatPixel, double>(job, strip, dest, begin, end, y);
+    } else {
+        const hn::Rebind<float, D> floats;
+        const auto reciprocal = hn::Set(lanes, double(kSubpixelOne) / double(Area(job.x.step, job.y.step)));
+        for (int32_t k = begin; k < end; ++k) {
+            const auto mean = hn::Mul(SumOfFloats(lanes, job, strip.spans[k], y), reciprocal);
+            hn::StoreU(hn::DemoteTo(floats, mean), floats,
+                       reinterpret_cast<float*>(dest + int64_t(FloatPixel::kBytes) * k));
+        }
+    }
+}
+
+void BoxFloatRow(const ScaleJob& job, const Strip& strip, uint8_t* dest, int32_t begin, int32_t end,
+                 const BoxSpan& y)
+{
+    BoxFloats(hn::CappedTag<double, 4>(), job, strip, dest, begin, end, y);
+}
+
 } // namespace
 } // namespace HWY_NAMESPACE
 } // namespace vx
@@ -401,6 +448,7 @@ HWY_AFTER_NAMESPACE();
 namespace vx {
 namespace {
 
+HWY_EXPORT(BoxFloatRow);
 HWY_EXPORT(BoxByteRowNarrow);
 HWY_EXPORT(BoxByteRowWide);
 
@@ -459,7 +507,7 @@ void BoxBytes(const ScaleJob& job, bool narrow)
 void ScaleBox(const ScaleJob& job, int32_t bytesPerPixel)
 {
     if (bytesPerPixel == FloatPixel::kBytes)
-        Box<FloatPixel, double>(job, BoxRow<FloatPixel, double>, false);
+        Box<FloatPixel, double>(job, VX_VECTOR_FORM(BoxFloatRow, (BoxRow<FloatPixel, double>)), false);
     else if (WidestSpan(job.x) * WidestSpan(job.y) * kSubpixelOne * 255 < kNarrowSums)
         BoxBytes<uint32_t>(job, true);
     else
