@@ -37,9 +37,23 @@ void CopyRowByPixels(const CopyJob& job, const Exchange& exchange, int32_t y)
     SourceReader reader(job, exchange);
     RunBuffer buffer;
     reader.StartRow(y);
+    const RunKernels& runs = exchange.runs;
+    const size_t channelBytes = WorkingPixelBytes(exchange.record.depth) / 4;
+    // Working pixels in memory are taken and made where they stand, if their channels are aligned.
+    const auto stands = [channelBytes](bool isWorking, const void* at) {
+        return isWorking && reinterpret_cast<uintptr_t>(at) % channelBytes == 0;
+    };
+    const bool fromThere = !job.IsScaled() && stands(runs.sourceIsWorking, job.source.Bytes(y));
+    const bool toThere = stands(runs.destIsWorking, job.dest.Bytes(y));
     ForRuns(job, [&](int32_t x, int32_t count) {
-        reader.Read(buffer.bytes, x, count);
-        exchange.runs.write(job.dest.Row(y), job.dest.Bit(x), buffer.bytes, count, exchange.record);
+        uint8_t* const to = job.dest.Row(y) + job.dest.Bit(x) / 8;
+        const void* pixels = toThere ? to : buffer.bytes;
+        if (fromThere)
+            pixels = job.source.Row(y) + job.source.Bit(x) / 8;
+        else
+            reader.Read(toThere ? to : buffer.bytes, x, count);
+        if (pixels != to)
+            runs.write(job.dest.Row(y), job.dest.Bit(x), pixels, count, exchange.record);
     });
 }
 

@@ -68,6 +68,7 @@ struct RunKernels
     WriteRunFn write;
     ReadPlanesFn readPlanes; // null where the depth or the type has no planes
     WritePlanesFn writePlanes;
+    bool sourceIsWorking, destIsWorking; // memory holds working pixels: reading or writing is copying
 };
 
 // The kernels that belong to a record which VxXCHGGetFunctionPointers has filled.

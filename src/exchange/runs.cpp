@@ -269,6 +269,28 @@ constexpr SampleTable MakeSampleTable(std::integer_sequence<int32_t, kIndex...>)
 
 constexpr SampleTable kSamples = MakeSampleTable(std::make_integer_sequence<int32_t, kKernelRows * kTypes>());
 
+template <int32_t... kIndex>
+constexpr auto MakeWorkingTable(std::integer_sequence<int32_t, kIndex...>)
+{
+    std::array<std::array<bool, kTypes>, kKernelRows> table{};
+    ((table[kIndex / kTypes][kIndex % kTypes] =
+          [] {
+              if constexpr (RowServes(kIndex / kTypes, kFirstType + kIndex % kTypes))
+                  return Codec<kFirstType + kIndex % kTypes, ChannelOfRow<kIndex / kTypes>>::kShape ==
+                         Shape::Same;
+              return false;
+          }()),
+     ...);
+    return table;
+}
+
+bool HoldsWorking(int32_t row, int32_t type)
+{
+    static constexpr auto kTable =
+        MakeWorkingTable(std::make_integer_sequence<int32_t, kKernelRows * kTypes>());
+    return kTable[size_t(row)][size_t(type - kFirstType)];
+}
+
 } // namespace
 
 HWY_EXPORT(VectorRuns);
@@ -278,8 +300,13 @@ RunKernels SelectRuns(const tVXXCHG& record)
     const RunTable& runs = *VX_VECTOR_FORM(VectorRuns, PlainRuns)();
     const size_t row = size_t(KernelRow(record.depth, record.flags));
     const size_t source = size_t(record.sourceType - kFirstType), dest = size_t(record.destType - kFirstType);
-    return {runs.read[row][source], kSamples[row][source], runs.write[row][dest],
-            runs.readPlanes[row][source], runs.writePlanes[row][dest]};
+    return {runs.read[row][source],
+            kSamples[row][source],
+            runs.write[row][dest],
+            runs.readPlanes[row][source],
+            runs.writePlanes[row][dest],
+            HoldsWorking(int32_t(row), record.sourceType),
+            HoldsWorking(int32_t(row), record.destType)};
 }
 
 } // namespace vx
