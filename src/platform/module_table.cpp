@@ -110,7 +110,7 @@ ModulePointer ModuleOfCode(void* code)
         dlclose(code);
         return known;
     }
-    return std::make_shared<Module>(base, code, PathOfLoaded(map->l_name));
+    return ModulePointer(new Module(base, code, PathOfLoaded(map->l_name)));
 }
 
 // Knows from now on what others loaded. The reference keeps its address from being another's.
