@@ -84,7 +84,7 @@ std::string FileName(const std::string& path)
     return path.substr(path.rfind('/') + 1);
 }
 
-// Beside libtools.so.2 it is libtools.res, beside tools.dll tools.res.
+// Beside libtools.so.2 it is libtools.res, beside host and host.run host.res.
 std::string PathOfResourceFile(const std::string& path)
 {
     const size_t start = path.rfind('/') + 1;
