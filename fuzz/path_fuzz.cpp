@@ -145,6 +145,7 @@ void Relate(const Text& path, const Text& other, int32_t room)
     const char16_t* common = VxGetFileNamePtrRelative(other, path);
     Require(common >= path && common <= path + path.View().size());
     Require(common == path || !*common || common[-1] == u'\\');
+    Require(VxGetFileNamePtrRelative(path, path) == path);
     const Buffer base(room, u"?"), moved(room, u"?");
     const HRESULT status = VxGetBasePathRelative(other, path, base.Get(), room);
     if (SUCCEEDED(status) && *common && path.View().size() < VX_MAX_PATH)
