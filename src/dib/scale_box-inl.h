@@ -18,37 +18,37 @@ namespace {
 namespace hn = hwy::HWY_NAMESPACE;
 
 // The lanes of one pixel.
-using Ints = hn::FixedTag<int32_t, 4>;
-using IntVec = hn::Vec<Ints>;
+using QuadInts = hn::FixedTag<int32_t, 4>;
+using QuadVec = hn::Vec<QuadInts>;
 
 template <class Value>
-IntVec LoadQuad(const Value* pixel)
+QuadVec LoadQuad(const Value* pixel)
 {
-    return hn::PromoteTo(Ints(), hn::LoadU(hn::FixedTag<Value, 4>(), pixel));
+    return hn::PromoteTo(QuadInts(), hn::LoadU(hn::FixedTag<Value, 4>(), pixel));
 }
 
 // A row's share, and what of it falls to the first and the last pixel of a span.
 struct EdgeWeights
 {
-    IntVec inner, first, last;
+    QuadVec inner, first, last;
 
-    EdgeWeights(const BoxSpan& x, int32_t rowShare) : inner(hn::Set(Ints(), rowShare))
+    EdgeWeights(const BoxSpan& x, int32_t rowShare) : inner(hn::Set(QuadInts(), rowShare))
     {
-        first = hn::ShiftRight<kSubpixelBits>(hn::Mul(hn::Set(Ints(), x.firstShare), inner));
-        last = hn::ShiftRight<kSubpixelBits>(hn::Mul(hn::Set(Ints(), x.lastShare), inner));
+        first = hn::ShiftRight<kSubpixelBits>(hn::Mul(hn::Set(QuadInts(), x.firstShare), inner));
+        last = hn::ShiftRight<kSubpixelBits>(hn::Mul(hn::Set(QuadInts(), x.lastShare), inner));
     }
 };
 
 template <class Value>
-IntVec SumOfEdges(const Value* first, const Value* last, const EdgeWeights& w)
+QuadVec SumOfEdges(const Value* first, const Value* last, const EdgeWeights& w)
 {
     return hn::Add(hn::Mul(LoadQuad(first), w.first), hn::Mul(LoadQuad(last), w.last));
 }
 
 template <class Value>
-IntVec SumOfInner(const Value* first, const Value* last)
+QuadVec SumOfInner(const Value* first, const Value* last)
 {
-    IntVec sum = hn::Zero(Ints());
+    QuadVec sum = hn::Zero(QuadInts());
     for (const Value* at = first + 4; at < last; at += 4)
         sum = hn::Add(sum, LoadQuad(at));
     return sum;
@@ -62,8 +62,8 @@ using PartInts = hn::Rebind<int32_t, Doubles>;
 [[maybe_unused]] void StoreSumOfColumns(int32_t* sum, const uint8_t* row, const BoxSpan& x)
 {
     const uint8_t *const first = row + 4 * int64_t(x.first), *const last = row + 4 * int64_t(x.last);
-    const IntVec inner = hn::ShiftLeft<kSubpixelBits>(SumOfInner(first, last));
-    hn::StoreU(hn::Add(SumOfEdges(first, last, EdgeWeights(x, kSubpixelOne)), inner), Ints(), sum);
+    const QuadVec inner = hn::ShiftLeft<kSubpixelBits>(SumOfInner(first, last));
+    hn::StoreU(hn::Add(SumOfEdges(first, last, EdgeWeights(x, kSubpixelOne)), inner), QuadInts(), sum);
 }
 
 // Writes a part of a pixel: sums over a divisor, truncated and limited to a byte. Half a unit more

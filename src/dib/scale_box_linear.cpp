@@ -165,9 +165,9 @@ void BoxXLinearYVector(const ScaleJob& job)
     }
 }
 
-IntVec MixedQuad(const uint8_t* row, const LinearTaps& taps)
+QuadVec MixedQuad(const uint8_t* row, const LinearTaps& taps)
 {
-    const Ints lanes;
+    const QuadInts lanes;
     const auto here =
         hn::Mul(LoadQuad(row + 4 * int64_t(taps.here)), hn::Set(lanes, kSubpixelOne - taps.fraction));
     const auto next = hn::Mul(LoadQuad(row + 4 * int64_t(taps.next)), hn::Set(lanes, taps.fraction));
@@ -194,16 +194,16 @@ void BoxYLinearXVector(const ScaleJob& job)
                 [&](int32_t begin, int32_t end) {
                     for (int32_t x = begin; x < end; ++x) {
                         const LinearTaps& at = taps[x - chunk];
-                        auto inner = hn::Zero(Ints());
+                        auto inner = hn::Zero(QuadInts());
                         for (int32_t row = span.first + 1; row < span.last; ++row)
                             inner = hn::Add(inner, MixedQuad(job.SourceRow(row), at));
                         const auto first = hn::Mul(MixedQuad(job.SourceRow(span.first), at),
-                                                   hn::Set(Ints(), span.firstShare));
-                        const auto final =
-                            hn::Mul(MixedQuad(job.SourceRow(span.last), at), hn::Set(Ints(), span.lastShare));
+                                                   hn::Set(QuadInts(), span.firstShare));
+                        const auto final = hn::Mul(MixedQuad(job.SourceRow(span.last), at),
+                                                   hn::Set(QuadInts(), span.lastShare));
                         HWY_ALIGN int32_t sum[4];
-                        hn::Store(hn::Add(hn::ShiftLeft<kSubpixelBits>(inner), hn::Add(first, final)), Ints(),
-                                  sum);
+                        hn::Store(hn::Add(hn::ShiftLeft<kSubpixelBits>(inner), hn::Add(first, final)),
+                                  QuadInts(), sum);
                         for (int32_t c = 0; c < 4; c += int32_t(hn::Lanes(Doubles())))
                             WriteQuotients(dest + 4 * int64_t(x) + c,
                                            hn::PromoteTo(Doubles(), hn::LoadU(PartInts(), sum + c)),

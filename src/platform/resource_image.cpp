@@ -38,12 +38,15 @@ bool IsBefore(const Resource& a, const Resource& b)
     return a.language < b.language;
 }
 
-// The part of a sorted range whose keys equal the given one.
-template <class Key>
-ResourceImage::Range Equal(ResourceImage::Range range, const ResourceName& wanted, Key Resource::*key)
+// The part of a sorted range whose keys equal the wanted one.
+ResourceImage::Range Equal(ResourceImage::Range range, const ResourceName& wanted,
+                           ResourceName Resource::*key)
 {
-    const auto [first, last] = std::ranges::equal_range(
-        range, wanted, [](const ResourceName& a, const ResourceName& b) { return Order(a, b) < 0; }, key);
+    const auto first = std::partition_point(range.begin(), range.end(), [&](const Resource& resource) {
+        return Order(resource.*key, wanted) < 0;
+    });
+    const auto last = std::partition_point(
+        first, range.end(), [&](const Resource& resource) { return Order(resource.*key, wanted) == 0; });
     return {first, last};
 }
 

@@ -68,22 +68,17 @@ struct TestResource
     Bytes data;
 };
 
-// The block of sixteen strings of which these are the first; texts without a terminator.
-inline Bytes StringBlock(std::vector<std::u16string> strings)
+// The block of the sixteen strings from a number on that is a multiple of 16; these are the first of them.
+// Texts have no terminator.
+inline TestResource Strings(int firstId, uint16_t language, std::vector<std::u16string> strings)
 {
-    Bytes block;
+    TestResource block{6, firstId / 16 + 1, language, {}};
     strings.resize(16);
     for (const std::u16string& text : strings) {
-        Append(block, uint16_t(text.size()));
-        Append(block, TextBytes(text));
+        Append(block.data, uint16_t(text.size()));
+        Append(block.data, TextBytes(text));
     }
     return block;
-}
-
-// A resource of type 6 for the strings from a number on that is a multiple of 16.
-inline TestResource Strings(int firstId, uint16_t language, const std::vector<std::u16string>& strings)
-{
-    return {6, firstId / 16 + 1, language, StringBlock(strings)};
 }
 
 inline void AppendResource(Bytes& image, const TestResource& resource)
@@ -120,93 +115,68 @@ inline Bytes ResImage(const std::vector<TestResource>& resources)
 // Offsets within a PE image, and where its only section is loaded to.
 constexpr uint32_t kPeStart = 64, kResourceOffset = 512, kResourceAddress = 0x1000;
 
-// The resource section: directories of types, of names and of languages, leaves, texts and data, in this
-// order, so that places are known before anything is written.
-class ResourceSection
+inline uint32_t PutKey(Bytes&, uint16_t number)
 {
-public:
-    explicit ResourceSection(const std::vector<TestResource>& resources)
-    {
-        for (const TestResource& resource : resources)
-            tree_[resource.type][resource.name][resource.language] = resource.data;
-        uint32_t sizes[3] = {Size(tree_), 0, 0}, leaves = 0;
-        for (const auto& [type, names] : tree_) {
-            sizes[1] += Size(names);
-            for (const auto& [name, languages] : names) {
-                sizes[2] += Size(languages);
-                leaves += uint32_t(languages.size());
-            }
-        }
-        for (int level = 0; level < 3; ++level)
-            next_[level + 1] = next_[level] + sizes[level];
-        bytes_.resize(next_[3] + leaves * 16);
-        PutDirectory(tree_, 0);
-        for (auto& [leaf, data] : data_) {
-            Align(bytes_);
-            Store(bytes_, leaf, kResourceAddress + uint32_t(bytes_.size()));
-            Store(bytes_, leaf + 4, uint32_t(data.size()));
-            Append(bytes_, data);
-        }
+    return number;
+}
+
+inline uint32_t PutKey(Bytes& section, const ResourceKey& key)
+{
+    if (key.text.empty())
+        return key.number;
+    const uint32_t place = uint32_t(section.size());
+    Append(section, uint16_t(key.text.size()));
+    Append(section, TextBytes(key.text));
+    return 0x80000000u | place;
+}
+
+// A leaf, with its data behind it.
+inline uint32_t PutDirectory(Bytes& section, const Bytes& data)
+{
+    Align(section);
+    const uint32_t place = uint32_t(section.size());
+    Append(section, kResourceAddress + place + 16);
+    Append(section, uint32_t(data.size()));
+    Append(section, uint64_t(0));
+    Append(section, data);
+    return place;
+}
+
+// A directory, with all that it leads to behind it.
+template <class Map>
+uint32_t PutDirectory(Bytes& section, const Map& entries)
+{
+    Align(section);
+    const uint32_t place = uint32_t(section.size());
+    section.resize(place + 16 + 8 * entries.size());
+    uint16_t counts[2] = {}; // texts, numbers
+    uint32_t entry = place + 16;
+    for (const auto& [key, below] : entries) {
+        const uint32_t id = PutKey(section, key), next = PutDirectory(section, below);
+        ++counts[id < 0x80000000u];
+        Store(section, entry, id);
+        Store(section, entry + 4, next);
+        entry += 8;
     }
-    const Bytes& Content() const { return bytes_; }
+    Store(section, place + 12, counts[0]);
+    Store(section, place + 14, counts[1]);
+    return 0x80000000u | place;
+}
 
-private:
-    using Languages = std::map<uint16_t, Bytes>;
-    using Names = std::map<ResourceKey, Languages>;
-
-    template <class Map>
-    static uint32_t Size(const Map& entries)
-    {
-        return 16 + 8 * uint32_t(entries.size());
-    }
-
-    uint32_t Take(int level, uint32_t size) { return std::exchange(next_[level], next_[level] + size); }
-
-    uint32_t PutKey(uint16_t number) { return number; }
-    uint32_t PutKey(const ResourceKey& key)
-    {
-        if (key.text.empty())
-            return key.number;
-        const uint32_t place = uint32_t(bytes_.size());
-        Append(bytes_, uint16_t(key.text.size()));
-        Append(bytes_, TextBytes(key.text));
-        return 0x80000000u | place;
-    }
-
-    uint32_t PutDirectory(const Bytes& data, int)
-    {
-        const uint32_t leaf = Take(3, 16);
-        data_.emplace_back(leaf, data);
-        return leaf;
-    }
-    template <class Map>
-    uint32_t PutDirectory(const Map& entries, int level)
-    {
-        const uint32_t place = Take(level, Size(entries));
-        uint16_t counts[2] = {};
-        uint32_t entry = place + 16;
-        for (const auto& [key, below] : entries) {
-            const uint32_t id = PutKey(key);
-            ++counts[id < 0x80000000u];
-            Store(bytes_, entry, id);
-            Store(bytes_, entry + 4, PutDirectory(below, level + 1));
-            entry += 8;
-        }
-        Store(bytes_, place + 12, counts[0]);
-        Store(bytes_, place + 14, counts[1]);
-        return level == 0 ? place : 0x80000000u | place;
-    }
-
-    std::map<ResourceKey, Names> tree_;
-    uint32_t next_[4] = {}; // free places in each level of directories, and among the leaves
-    Bytes bytes_;
-    std::vector<std::pair<uint32_t, Bytes>> data_; // with their leaves
-};
+inline Bytes ResourceSection(const std::vector<TestResource>& resources)
+{
+    std::map<ResourceKey, std::map<ResourceKey, std::map<uint16_t, Bytes>>> tree;
+    for (const TestResource& resource : resources)
+        tree[resource.type][resource.name][resource.language] = resource.data;
+    Bytes section;
+    PutDirectory(section, tree);
+    return section;
+}
 
 // A PE image without code whose one section holds the resources.
 inline Bytes PeImage(const std::vector<TestResource>& resources, bool wide = true)
 {
-    const Bytes content = ResourceSection(resources).Content();
+    const Bytes content = ResourceSection(resources);
     const uint32_t size = uint32_t(content.size());
     Bytes image(kResourceOffset);
     const uint32_t optionalSize = wide ? 240 : 224, optional = kPeStart + 24;
