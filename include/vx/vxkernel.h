@@ -16,6 +16,7 @@
 #include "vx/list.h"
 #include "vx/numbers.h"
 #include "vx/osversion.h"
+#include "vx/path.h"
 #include "vx/pixel.h"
 #include "vx/print.h"
 #include "vx/ruler.h"

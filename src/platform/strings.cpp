@@ -34,3 +34,9 @@ int lstrcmpiW(const WCHAR* first, const WCHAR* second)
             return 0;
     }
 }
+
+WCHAR VxPlatform_ToUpper(WCHAR character)
+{
+    const UChar32 upper = u_toupper(character);
+    return U_IS_BMP(upper) ? WCHAR(upper) : character;
+}
