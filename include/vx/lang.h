@@ -190,7 +190,8 @@ VX_EXPORT uint32_t VxGetLocale(void);
 
 VX_EXTERN_C_END
 
-/* Two forms each, so of C++ linkage; from C, VxGetStringSmart serves both forms of VxGetString. */
+/* Two forms each, so of C++ linkage; from C, VxGetStringSmart serves both forms of VxGetString. A literal 0 is
+ * no number here: write 0u. */
 #ifdef __cplusplus
 
 /* The string resource with this number, or the empty text. Owned by the handle: good until its language

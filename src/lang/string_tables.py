@@ -160,6 +160,10 @@ def fields_of(text):
     return [field for field in found if field not in inserts] + sorted(inserts)
 
 
+def is_used(entry):
+    return entry.msgstr and "fuzzy" not in entry.flags
+
+
 def check_translation(path, messages, english):
     for entry in messages.values():
         original = english.get(entry.msgid)
@@ -167,7 +171,7 @@ def check_translation(path, messages, english):
             raise Fault(path, entry.line, "en.po has no such text")
         if entry.msgctxt != original.msgctxt:
             raise Fault(path, entry.line, f"the name of this text is {original.msgctxt}, not {entry.msgctxt}")
-        if not entry.msgstr or "no-c-format" in original.flags:
+        if not is_used(entry) or "no-c-format" in original.flags:
             continue
         wanted, found = fields_of(entry.msgid), fields_of(entry.msgstr)
         if wanted != found:
@@ -191,7 +195,7 @@ def read_all(folder):
 def translation(messages, english):
     """The text of a language, None where the English one serves."""
     entry = messages.get(english)
-    return entry.msgstr if entry and entry.msgstr and "fuzzy" not in entry.flags else None
+    return entry.msgstr if entry and is_used(entry) else None
 
 
 def literal(text):
