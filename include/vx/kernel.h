@@ -15,8 +15,9 @@
 #include "vx/types.h"
 
 /* Flags of VxKernel_EarlyInitialize; other bits are kept and mean nothing. */
-#define VXKERNEL_OWN_COLORS 0x1u       /* the library's own colour tables, whatever the other flag says */
-#define VXKERNEL_DELEGATE_COLORS 0x20u /* the module that the host's VxApp_GetAppKernel names has the colours */
+#define VXKERNEL_OWN_COLORS 0x1u /* the library's own colour tables, whatever the other flag says */
+#define VXKERNEL_DELEGATE_COLORS \
+    0x20u /* the module that the host's VxApp_GetAppKernel names has the colours */
 
 /* Messages that VxKernel_UserPrefChanges heeds. */
 #define WM_SYSCOLORCHANGE 21u
@@ -42,10 +43,9 @@ VX_EXPORT int32_t VxKernel_LateTerminate(void);
 /* The module of the last start; null before it and after the end. */
 VX_EXPORT HMODULE VxKernel_GetAppKernel(void);
 
-/* The full path of that module, of the host's executable where there is none, into `path` of
- * `pathChars` characters. Returns 0, or the status of the system's error: a path that does not fit is cut,
- * terminated and reported. */
-VX_EXPORT HRESULT VxKernel_GetAppKernelPathName(char16_t *path, uint32_t pathChars);
+/* The full path of that module, of the host's executable where there is none, into `path` of `pathChars`
+ * characters, cut and terminated where it does not fit. Returns 0, or the status of the system's error. */
+VX_EXPORT HRESULT VxKernel_GetAppKernelPathName(char16_t* path, int32_t pathChars);
 
 /* To be called from the host's main window procedure with each of its messages, or only with the two that
  * matter. WM_SYSCOLORCHANGE asks for the depth of the displays again and drops all graphics objects made

@@ -12,6 +12,7 @@
 #include "vx/fields.h"
 #include "vx/formattext.h"
 #include "vx/internationals.h"
+#include "vx/kernel.h"
 #include "vx/lang.h"
 #include "vx/list.h"
 #include "vx/numbers.h"

@@ -9,9 +9,11 @@
 #include "vx/internationals.h"
 #include "vx/kernel.h"
 #include "vx/osversion.h"
+#include "vx/platform/errormode.h"
 #include "vx/platform/lasterror.h"
-#include "vx/platform/system.h"
 #include "vx/timer.h"
+
+#include <algorithm>
 
 namespace vx {
 
@@ -91,7 +93,7 @@ constexpr StartStep kStart[] = {
     {StartStep::After::Anything, Always<[] { Run(kernelSteps.resetColors); }>},
     {StartStep::After::Success, [](const StartArguments&) { return CreatePrintTokens(); }},
     {StartStep::After::Success,
-     [](const StartArguments& start) { return OpenKernelLanguage(start.appKernel); }},
+     [](const StartArguments& start) { return SUCCEEDED(OpenKernelLanguage(start.appKernel)); }},
     {StartStep::After::Success, Always<[] { VxLang_GetInternationals(nullptr, 0); }>},
     {StartStep::After::Anything, Always<VxTimer_LateInitialize>},
     {StartStep::After::Anything, Always<[] { Run(kernelSteps.startNumerics); }>},
@@ -134,9 +136,9 @@ HMODULE VxKernel_GetAppKernel(void)
     return kernelState.appKernel;
 }
 
-HRESULT VxKernel_GetAppKernelPathName(char16_t* path, uint32_t pathChars)
+HRESULT VxKernel_GetAppKernelPathName(char16_t* path, int32_t pathChars)
 {
-    if (GetModuleFileNameW(kernelState.appKernel, path, pathChars) == 0)
+    if (GetModuleFileNameW(kernelState.appKernel, path, uint32_t(std::max(pathChars, 0))) == 0)
         return VxErrorHandler_TranslateWin32Error(GetLastError());
     return 0;
 }

@@ -28,10 +28,10 @@ extern constinit KernelState kernelState;
 // when the library is loaded. Empty: that family is not there, its step does nothing.
 struct KernelSteps
 {
-    void (*resetColors)() = nullptr;       // colour tables to their defaults
-    void (*releaseColors)() = nullptr;     // and the objects made from them
-    void (*releaseUiObjects)() = nullptr;  // pens, brushes and fonts
-    void (*releaseCursors)() = nullptr;    // makes the arrow current before
+    void (*resetColors)() = nullptr;      // colour tables to their defaults
+    void (*releaseColors)() = nullptr;    // and the objects made from them
+    void (*releaseUiObjects)() = nullptr; // pens, brushes and fonts
+    void (*releaseCursors)() = nullptr;   // makes the arrow current before
     void (*startNumerics)() = nullptr;
 };
 extern constinit KernelSteps kernelSteps;

@@ -1,0 +1,188 @@
+// The kernel's start and end, in a process of their own.
+#include "vx/kernel.h"
+
+#include "kernel/color_delegate.h"
+#include "kernel/state.h"
+#include "lang/kernel_language.h"
+#include "vx/platform/errormode.h"
+#include "vx/platform/testing.h"
+#include "vx/print.h"
+#include "vx/timer.h"
+
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <string>
+
+static HMODULE g_colorOwner = nullptr; // what this host names
+
+extern "C" VX_EXPORT HMODULE VxApp_GetAppKernel()
+{
+    return g_colorOwner;
+}
+
+namespace {
+
+using namespace vx;
+
+std::string calls; // a letter for each step of the families above
+
+class Kernel : public testing::Test
+{
+protected:
+    Kernel()
+    {
+        kernelSteps = {[] { calls += 'r'; }, [] { calls += 'c'; }, [] { calls += 'u'; }, [] { calls += 'k'; },
+                       [] { calls += 'n'; }};
+        calls.clear();
+    }
+    ~Kernel() override
+    {
+        VxPlatform_FailAllocationAt(0);
+        VxKernel_LateTerminate();
+        kernelSteps = {};
+    }
+};
+
+std::u16string Printed(const char16_t* format)
+{
+    char16_t text[100];
+    VxPrintF(text, format);
+    return text;
+}
+
+std::u16string AppKernelPath()
+{
+    char16_t path[260];
+    EXPECT_EQ(VxKernel_GetAppKernelPathName(path, 260), S_OK);
+    return path;
+}
+
+HMODULE ColorModule()
+{
+    std::u16string path = u"C:" + std::filesystem::path(VX_TEST_COLORS).u16string();
+    return LoadLibraryW(path.c_str());
+}
+
+TEST_F(Kernel, ColorModesOfTheFlags)
+{
+    const struct
+    {
+        uint32_t flags, mode;
+    } cases[] = {{0, 0},
+                 {VXKERNEL_OWN_COLORS, kOwnColors},
+                 {VXKERNEL_DELEGATE_COLORS, kDelegatedColors},
+                 {0x21, kOwnColors},
+                 {~0x21u, 0}};
+    for (const auto& c : cases) {
+        EXPECT_EQ(VxKernel_EarlyInitialize(nullptr, c.flags), 1);
+        EXPECT_EQ(kernelState.colorMode, c.mode) << c.flags;
+        EXPECT_EQ(kernelState.flags, c.flags);
+    }
+}
+
+TEST_F(Kernel, ARunFromStartToEnd)
+{
+    const HMODULE module = ColorModule();
+    ASSERT_NE(module, nullptr);
+    EXPECT_EQ(VxKernel_GetAppKernel(), nullptr);
+    const std::u16string executable = AppKernelPath();
+    SetErrorMode(SEM_NOGPFAULTERRORBOX);
+    VxKernel_SetSplash(1);
+
+    EXPECT_EQ(VxKernel_EarlyInitialize(module, 0), 1);
+    EXPECT_EQ(calls, "rn");
+    EXPECT_EQ(VxKernel_GetAppKernel(), module);
+    EXPECT_TRUE(AppKernelPath().ends_with(u"vx_test_colors.so"));
+    EXPECT_EQ(GetErrorMode(), SEM_NOGPFAULTERRORBOX | SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX);
+    EXPECT_EQ(kernelState.splash, 0) << "named too early";
+    EXPECT_EQ(kernelState.firstApplicationCursor, 100u);
+    EXPECT_EQ(kernelState.hostExecutable, GetModuleHandleW(nullptr));
+    EXPECT_EQ(Printed(u"$(SMPTE.Whole)"), u":") << "the locale's tokens stand";
+    VxPrintF_AddToken(u"own", u"mine");
+    VxKernel_SetSplash(7);
+    EXPECT_EQ(kernelState.splash, 7);
+
+    const HVXLANG language = g_kernelLanguage;
+    EXPECT_EQ(VxKernel_EarlyInitialize(nullptr, VXKERNEL_OWN_COLORS), 1) << "again";
+    EXPECT_EQ(g_kernelLanguage, language);
+    EXPECT_EQ(Printed(u"$(own)"), u"mine");
+    EXPECT_EQ(kernelState.splash, 0);
+    EXPECT_EQ(AppKernelPath(), executable);
+    EXPECT_EQ(calls, "rnrn");
+
+    for (int i = 0; i < 2; ++i) {
+        calls.clear();
+        EXPECT_EQ(VxKernel_LateTerminate(), 1);
+        EXPECT_EQ(calls, "cuk");
+        EXPECT_EQ(g_kernelLanguage, nullptr);
+        EXPECT_EQ(VxKernel_GetAppKernel(), nullptr);
+    }
+    EXPECT_EQ(VxKernel_EarlyInitialize(nullptr, 0), 1);
+    EXPECT_NE(Printed(u"$(own)"), u"mine");
+    FreeLibrary(module);
+}
+
+// The first starts of a process also fill caches; here each allocation of a later one fails in turn.
+TEST_F(Kernel, AStartWithoutMemoryFailsAndCanBeRepeated)
+{
+    VxKernel_EarlyInitialize(nullptr, 0);
+    VxKernel_LateTerminate();
+    int failures = 0;
+    for (int nth = 1; nth <= 6; ++nth) {
+        calls.clear();
+        VxPlatform_FailAllocationsFrom(nth);
+        const int32_t started = VxKernel_EarlyInitialize(nullptr, 0);
+        VxPlatform_FailAllocationAt(0);
+        failures += !started;
+        EXPECT_EQ(started, g_kernelLanguage != nullptr) << nth;
+        EXPECT_EQ(calls, "rn") << "the others go on";
+        EXPECT_GE(VxGetMicrosec(), 0);
+        VxKernel_LateTerminate();
+        EXPECT_EQ(VxKernel_EarlyInitialize(nullptr, 0), 1) << nth;
+        VxKernel_LateTerminate();
+    }
+    EXPECT_GE(failures, 4);
+}
+
+TEST_F(Kernel, APathThatDoesNotFit)
+{
+    char16_t path[8] = u"#######";
+    EXPECT_TRUE(FAILED(VxKernel_GetAppKernelPathName(path, 0)));
+    EXPECT_EQ(std::u16string(path), u"#######");
+}
+
+TEST_F(Kernel, PreferenceChanges)
+{
+    const struct
+    {
+        uint32_t message;
+        const char* calls;
+    } cases[] = {{WM_SYSCOLORCHANGE, "cr"}, {WM_DISPLAYCHANGE, ""}, {0, ""}, {WM_SYSCOLORCHANGE + 1, ""}};
+    for (const auto& c : cases) {
+        calls.clear();
+        VxKernel_UserPrefChanges(-1, c.message);
+        EXPECT_EQ(calls, c.calls) << c.message;
+    }
+}
+
+// One test, as what is resolved stays for the process.
+TEST_F(Kernel, ColorsOfAnotherModule)
+{
+    EXPECT_EQ(DelegatedColor(ColorLookup::Nearest, 5), std::nullopt) << "before any start";
+    VxKernel_EarlyInitialize(nullptr, VXKERNEL_OWN_COLORS);
+    EXPECT_EQ(DelegatedColor(ColorLookup::Nearest, 5), std::nullopt);
+
+    VxKernel_EarlyInitialize(nullptr, VXKERNEL_DELEGATE_COLORS);
+    EXPECT_EQ(DelegatedColor(ColorLookup::Nearest, 5), std::nullopt) << "the host names no module";
+    EXPECT_EQ(kernelState.colorMode, 0u);
+    g_colorOwner = ColorModule();
+    EXPECT_EQ(DelegatedColor(ColorLookup::Nearest, 5), std::nullopt) << "given up until the next start";
+
+    VxKernel_EarlyInitialize(nullptr, VXKERNEL_DELEGATE_COLORS);
+    EXPECT_EQ(DelegatedColor(ColorLookup::Nearest, 5), 0x105u);
+    EXPECT_EQ(DelegatedColor(ColorLookup::Absolute, 7), 0x207u);
+    g_colorOwner = nullptr;
+    EXPECT_EQ(DelegatedColor(ColorLookup::Nearest, 6), 0x106u) << "resolved once";
+}
+
+} // namespace
