@@ -12,7 +12,7 @@ namespace {
 constexpr const Command* kCommands[] = {
     &kInfo,      &kFlip,  &kSwap,  &kChannel,   &kBars,     &kRamp,  &kZone,  &kChecker,
     &kFill,      &kLut,   &kMap,   &kThreshold, &kMultiply, &kMask,  &kBlend, &kFade,
-    &kComposite, &kSheet, &kPrint, &kNumber,    &kTimecode, &kRuler,
+    &kComposite, &kSheet, &kPrint, &kNumber,    &kTimecode, &kRuler, &kLang,
 };
 
 std::string Overview()
