@@ -65,7 +65,7 @@ void WriteMixed(uint8_t* dest, const RowPair& rows, const LinearTaps& x)
 }
 
 // A run of columns with what each samples, so that it is worked out once for all rows.
-constexpr int32_t kStripColumns = 512;
+constexpr int32_t kStripColumns = 2048;
 constexpr int32_t kSpareLanes = 16; // a vector may be loaded where fewer columns are left
 
 struct Strip
@@ -210,7 +210,8 @@ void MixColumns(float* line, const uint8_t* row, const uint8_t* rowAfter, const 
             MixGroupAtEnd(line, row, columns, group);
             continue;
         }
-        hwy::Prefetch(rowAfter + columns.place[at]);
+        for (int32_t place = columns.place[at]; place <= columns.place[at + kGroup - 1]; place += 64)
+            hwy::Prefetch(rowAfter + place);
         for (int32_t j = 0; j < 4; ++j) {
             const auto pixels = GatherBlocks<4>(bytes, row, columns.place + at + j, 1);
             const auto words = hn::BitCast(Words(), hn::TableLookupBytesOr0(pixels, pairs));
@@ -316,9 +317,10 @@ void LinearByteBand(const ScaleJob& job, const Strip& strip, int32_t first, int3
     const Columns columns(strip, job.x.sourceSize);
     HWY_ALIGN float lines[2][4 * kStripColumns];
     int32_t kept[2] = {-1, -1};
+    const int32_t rowsAhead = std::max(job.y.step >> kSubpixelBits, 1);
     const auto lineOf = [&](int32_t row) {
         if (std::exchange(kept[row % 2], row) != row)
-            MixColumns(lines[row % 2], job.SourceRow(row), job.SourceRow(row + 1), columns);
+            MixColumns(lines[row % 2], job.SourceRow(row), job.SourceRow(row + rowsAhead), columns);
         return lines[row % 2];
     };
     ForRows<BytePixel>(job, strip, first, last,
