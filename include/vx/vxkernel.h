@@ -13,6 +13,7 @@
 #include "vx/formattext.h"
 #include "vx/internationals.h"
 #include "vx/list.h"
+#include "vx/metrics.h"
 #include "vx/numbers.h"
 #include "vx/osversion.h"
 #include "vx/path.h"
