@@ -8,6 +8,8 @@ namespace vxbench {
 void AddMixWorks(Suite& suite);
 void AddChannelWorks(Suite& suite);
 void AddCompositeWorks(Suite& suite);
+void AddScaleWorks(Suite& suite);
+void AddConvertWorks(Suite& suite);
 void AddListWorks(Suite& suite);
 void AddTextWorks(Suite& suite);
 void AddTimeWorks(Suite& suite);

@@ -38,6 +38,7 @@ public:
     float* Floats() { return reinterpret_cast<float*>(Bytes()); }
     const float* Floats() const { return reinterpret_cast<const float*>(Bytes()); }
     std::span<uint8_t> All() { return memory_.All(); }
+    size_t ByteCount() const { return Pixels() * size_t(bytesPerPixel_); }
 
 private:
     Size size_;

@@ -99,6 +99,8 @@ int Run(const Options& options)
     AddMixWorks(suite);
     AddChannelWorks(suite);
     AddCompositeWorks(suite);
+    AddScaleWorks(suite);
+    AddConvertWorks(suite);
     AddListWorks(suite);
     AddTextWorks(suite);
     AddTimeWorks(suite);

@@ -1,5 +1,5 @@
-// The peer libraries: each is optional, and its calls stand inside IF_OPENCV, IF_LIBYUV, IF_PIXMAN or
-// IF_FMT, which leave nothing where the library is missing.
+// The peer libraries: each is optional, and its calls stand inside IF_OPENCV, IF_LIBYUV, IF_PIXMAN,
+// IF_ZIMG or IF_FMT, which leave nothing where the library is missing.
 #pragma once
 
 #include "frames.h"
@@ -26,6 +26,13 @@
 #define IF_PIXMAN(...) __VA_ARGS__
 #else
 #define IF_PIXMAN(...)
+#endif
+
+#if VX_BENCH_ZIMG
+#include <zimg.h>
+#define IF_ZIMG(...) __VA_ARGS__
+#else
+#define IF_ZIMG(...)
 #endif
 
 #if VX_BENCH_FMT
@@ -66,6 +73,30 @@ private:
 // src over dst, in the sense of the operator, under a mask that may be null.
 void PixmanComposite(pixman_op_t op, pixman_image_t* src, pixman_image_t* mask, pixman_image_t* dst,
                      Size size);
+#endif
+
+#if VX_BENCH_ZIMG
+// Four planes scaled or converted, one after the other. Their pictures are the same.
+class ZimgPlanes
+{
+public:
+    struct Side
+    {
+        Size size;
+        zimg_pixel_type_e type;
+    };
+
+    ZimgPlanes(Side dest, Side source, zimg_resample_filter_e filter,
+               zimg_dither_type_e dither = ZIMG_DITHER_NONE);
+    void Process();
+
+private:
+    static constexpr size_t kPlanes = 4;
+
+    std::shared_ptr<zimg_filter_graph> graph_;
+    std::vector<Frame> dest_, source_;
+    Memory scratch_;
+};
 #endif
 
 } // namespace vxbench

@@ -145,7 +145,9 @@ bool CopyDirect(const CopyJob& job, Exchange& exchange)
         BytesToFloats(job, x.destCurve, from);
     else if (from == 3 && to == 4)
         RunRows(job, SelectBytes3To4(), x.sourceCurve, 1);
-    else if (x.sourceType == x.destType && job.dest.bits > 8)
+    else if (from == 4 && to == 3)
+        RunRows(job, SelectBytes4To3(), x.sourceCurve, 1);
+    else if (job.dest.bits > 8 && (x.sourceType == x.destType || (from == 4 && to == 4)))
         CopyBytes(job);
     else if (IsSmallGray(x) && job.dest.left % 8 == job.source.left % 8)
         CopyBitRows(job);

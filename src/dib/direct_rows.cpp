@@ -146,13 +146,20 @@ HWY_NOINLINE void Bytes3To4Row(uint8_t* dest, const uint8_t* source, int32_t wid
     }
 }
 
+HWY_NOINLINE void Bytes4To3Row(uint8_t* dest, const uint8_t* source, int32_t width, int32_t,
+                               const VxTransferCurve&)
+{
+    for (int32_t x = 0; x < width; ++x, dest += 3, source += 4)
+        std::memcpy(dest, source, 3);
+}
+
 // The workers of one form. Indexes: 1 for four channels, not three; 1 for a table, not no curve.
 struct DirectForms
 {
     DirectRowFn dithered[2][2];
     DirectRowFn rounded[2], truncated[2], picked[2];
     DirectRowFn toFloat[2][2];
-    DirectRowFn floats, bytes3To4;
+    DirectRowFn floats, bytes3To4, bytes4To3;
 };
 
 template <class Rows>
@@ -171,6 +178,7 @@ constexpr DirectForms kDirectForms{
      {Rows::template kToFloat<CurveUse::None, 4>, Rows::template kToFloat<CurveUse::Table, 4>}},
     Rows::kFloats,
     Rows::kBytes3To4,
+    Rows::kBytes4To3,
 };
 
 struct PlainRows
@@ -181,6 +189,7 @@ struct PlainRows
     static constexpr DirectRowFn kToFloat = BytesToFloatRow<use, channels>;
     static constexpr DirectRowFn kFloats = FloatToFloatRow<CurveUse::Table>;
     static constexpr DirectRowFn kBytes3To4 = Bytes3To4Row;
+    static constexpr DirectRowFn kBytes4To3 = Bytes4To3Row;
 };
 
 const DirectForms* PlainForms()
@@ -506,6 +515,17 @@ void Bytes3To4RowVector(uint8_t* dest, const uint8_t* source, int32_t width, int
     Bytes3To4Row(dest + int64_t(x) * 4, source + int64_t(x) * 3, width - x, y, curve);
 }
 
+void Bytes4To3RowVector(uint8_t* dest, const uint8_t* source, int32_t width, int32_t y,
+                        const VxTransferCurve& curve)
+{
+    const Bytes16 bytes;
+    const auto pack = hn::Load(bytes, kPack24);
+    const int32_t x = ForBlocks(width, kPixelsOf16Bytes, [&](int64_t at) HWY_ATTR {
+        hn::StoreU(hn::TableLookupBytesOr0(hn::LoadU(bytes, source + at * 4), pack), bytes, dest + at * 3);
+    });
+    Bytes4To3Row(dest + int64_t(x) * 3, source + int64_t(x) * 4, width - x, y, curve);
+}
+
 struct VectorRows
 {
     template <Levels levels, CurveUse use, int32_t channels>
@@ -514,6 +534,7 @@ struct VectorRows
     static constexpr DirectRowFn kToFloat = BytesToFloatRowVector<use, channels>;
     static constexpr DirectRowFn kFloats = FloatToFloatRowVector;
     static constexpr DirectRowFn kBytes3To4 = Bytes3To4RowVector;
+    static constexpr DirectRowFn kBytes4To3 = Bytes4To3RowVector;
 };
 
 const DirectForms* VectorForms()
@@ -571,6 +592,11 @@ DirectRowFn SelectBytesToFloat(CurveUse use, int32_t channels)
 DirectRowFn SelectBytes3To4()
 {
     return Forms().bytes3To4;
+}
+
+DirectRowFn SelectBytes4To3()
+{
+    return Forms().bytes4To3;
 }
 
 } // namespace vx

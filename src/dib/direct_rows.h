@@ -38,5 +38,7 @@ DirectRowFn SelectFloatToFloat(CurveUse use);
 DirectRowFn SelectBytesToFloat(CurveUse use, int32_t channels);
 // Three bytes and 255.
 DirectRowFn SelectBytes3To4();
+// Without the fourth byte.
+DirectRowFn SelectBytes4To3();
 
 } // namespace vx

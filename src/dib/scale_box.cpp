@@ -11,6 +11,7 @@
 #include "kernel/vector_targets.h"
 
 #include <bit>
+#include <hwy/cache_control.h>
 
 namespace vx {
 namespace {
@@ -75,9 +76,17 @@ Channels<float> PartMean(const Channels<double>& sum, int64_t area)
     return WholeMean(sum, area);
 }
 
-// A part of a destination pixel that covers less than one unit of the source leaves it alone.
-// A run of columns with what each covers, so that it is worked out once for all rows.
-constexpr int32_t kStripColumns = 1024;
+// The source columns of a chunk of columns are summed into one line of at most so many pixels.
+constexpr int32_t kChunkColumns = 128;
+constexpr int32_t kLinePixels = 1024;
+
+// Vectors take the source columns of a box four at a time, by two pairs of weights.
+constexpr int32_t kMostBlocks = (kVectorSide / kSubpixelOne + 2 + 3) / 4;
+
+// A run of columns with what each covers, so that it is worked out once for all rows. It is long, as rows
+// are read and written best from end to end, but for boxes with many weights.
+constexpr int32_t kStripColumns = 2048;
+constexpr int32_t kStripPairs = 512 * 2 * kMostBlocks;
 
 struct Strip
 {
@@ -85,10 +94,54 @@ struct Strip
     BoxSpan spans[kStripColumns];
 
     Strip(const ScaleAxis& axis, int32_t startAt)
-        : start(startAt), count(std::min(axis.count - startAt, kStripColumns))
+        : start(startAt), count(std::min(axis.count - startAt, MostColumns(axis.step)))
     {
         for (int32_t k = 0; k < count; ++k)
             spans[k] = BoxSpanAt(axis, start + k);
+    }
+
+    // What vectors need besides.
+    int32_t chunkColumns;
+    int32_t blocks;               // of the widest box
+    int32_t freeCount;            // columns all of whose blocks lie in the source row
+    int32_t place[kStripColumns]; // of a box's first column behind the first one of its chunk, in values
+    // Weights of each two columns side by side as 16-bit words, twice what they are: all first pairs, all
+    // second ones and so on.
+    int32_t pairs[kStripPairs];
+
+    void PrepareForVectors(const ScaleAxis& axis)
+    {
+        chunkColumns = std::min(kChunkColumns, (kLinePixels - 2) * kSubpixelOne / axis.step / 4 * 4);
+        int32_t widest = 0;
+        for (int32_t k = 0; k < count; ++k)
+            widest = std::max(widest, spans[k].last - spans[k].first + 1);
+        blocks = (widest + 3) / 4;
+        freeCount = count;
+        while (freeCount > 0 && spans[freeCount - 1].first + 4 * blocks > axis.sourceSize)
+            --freeCount;
+        for (int32_t k = 0; k < count; ++k) {
+            place[k] = 4 * (spans[k].first - FirstOfChunk(k));
+            for (int32_t pair = 0; pair < 2 * blocks; ++pair) {
+                const int32_t first = spans[k].first + 2 * pair;
+                pairs[pair * count + k] = WeightOf(k, first) | WeightOf(k, first + 1) << 16;
+            }
+        }
+    }
+
+    int32_t FirstOfChunk(int32_t k) const { return spans[k - k % chunkColumns].first; }
+
+    const int32_t* Pair(int32_t pair, int32_t k) const { return pairs + pair * count + k; }
+
+private:
+    static int32_t MostColumns(int32_t step)
+    {
+        const int32_t blocks = std::min(step / kSubpixelOne / 4 + 2, kMostBlocks);
+        return std::min(kStripPairs / (2 * blocks), kStripColumns);
+    }
+
+    int32_t WeightOf(int32_t k, int32_t column) const
+    {
+        return column > spans[k].last ? 0 : 2 * ShareAt(spans[k], column);
     }
 };
 
@@ -111,17 +164,12 @@ using BoxRowFn = void (*)(const ScaleJob&, const Strip&, uint8_t*, int32_t, int3
 
 #endif // VX_SCALE_BOX_PLAIN
 
-#include "dib/scale_box-inl.h"
+#include "dib/scale_taps-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace vx {
 namespace HWY_NAMESPACE {
 namespace {
-
-namespace hn = hwy::HWY_NAMESPACE;
-
-constexpr int32_t kLinePixels = 1024;
-constexpr int32_t kChunkColumns = 128;
 
 // The rows that lie in the box whole, summed column by column.
 void SumRows(uint16_t* line, const uint8_t* first, int32_t stride, int32_t rows, int32_t values)
@@ -136,6 +184,7 @@ void SumRows(uint16_t* line, const uint8_t* first, int32_t stride, int32_t rows,
         for (int32_t row = 0; row < rows; ++row, at += stride) {
             sum = hn::Add(sum, hn::PromoteTo(lanes, hn::LoadU(bytes, at)));
             nextSum = hn::Add(nextSum, hn::PromoteTo(lanes, hn::LoadU(bytes, at + step)));
+            hwy::Prefetch(at + int64_t(stride) * rows); // for the next row of boxes
         }
         hn::StoreU(sum, lanes, line + i);
         hn::StoreU(nextSum, lanes, line + i + step);
@@ -147,76 +196,254 @@ void SumRows(uint16_t* line, const uint8_t* first, int32_t stride, int32_t rows,
     }
 }
 
-// The rows that lie in the box in part; none has the share 0.
-struct PartRows
+// Pairs of what stands in neighbouring pixels, for the products.
+template <int32_t firstPixel>
+HWY_INLINE hn::Vec<Words> PairsOfBytes(hn::Vec<Bytes> pixels)
 {
-    const uint8_t* top;
-    const uint8_t* bottom;
-    int32_t topShare, bottomShare;
+    constexpr uint8_t at = 4 * firstPixel, no = 0x80;
+    alignas(16) static constexpr uint8_t kPairs[16] = {at,     no, at + 4, no, at + 1, no, at + 5, no,
+                                                       at + 2, no, at + 6, no, at + 3, no, at + 7, no};
+    return hn::BitCast(Words(), hn::TableLookupBytesOr0(pixels, hn::LoadDup128(Bytes(), kPairs)));
+}
+
+HWY_INLINE hn::Vec<Words> PairsOfWords(hn::Vec<Words> pixels)
+{
+    alignas(16) static constexpr uint8_t kPairs[16] = {0, 1, 8, 9, 2, 3, 10, 11, 4, 5, 12, 13, 6, 7, 14, 15};
+    return hn::BitCast(Words(),
+                       hn::TableLookupBytes(hn::BitCast(Bytes(), pixels), hn::LoadDup128(Bytes(), kPairs)));
+}
+
+using Shares = hn::Repartition<uint16_t, Ints>;
+
+// A row of the source with its share of the box.
+struct ByteRow
+{
+    const uint8_t* pixels; // from the chunk's first column on
+    int32_t share;
 };
 
-IntVec SumOfPartRows(const PartRows& rows, const BoxSpan& x)
+// The rows of a box: those that count in part and a single whole one as they are, more whole ones summed.
+struct BoxRows
 {
-    const int64_t first = 4 * int64_t(x.first), last = 4 * int64_t(x.last);
-    const EdgeWeights ofTop(x, rows.topShare), ofBottom(x, rows.bottomShare);
-    IntVec top = hn::Zero(Ints()), bottom = top;
-    for (int64_t at = first + 4; at < last; at += 4) {
-        top = hn::Add(top, LoadQuad(rows.top + at));
-        bottom = hn::Add(bottom, LoadQuad(rows.bottom + at));
+    ByteRow single[3];
+    int32_t singles = 0;
+    int32_t wholeFirst, wholeRows; // summed, unless there is one
+
+    explicit BoxRows(const ScaleJob& job, const BoxSpan& y)
+    {
+        const bool partFirst = y.firstShare != kSubpixelOne,
+                   partLast = y.last > y.first && y.lastShare != kSubpixelOne;
+        wholeFirst = y.first + partFirst;
+        wholeRows = y.last - partLast - wholeFirst + 1;
+        if (partFirst)
+            single[singles++] = {job.SourceRow(y.first), y.firstShare};
+        if (partLast)
+            single[singles++] = {job.SourceRow(y.last), y.lastShare};
+        if (wholeRows == 1)
+            single[singles++] = {job.SourceRow(wholeFirst), kSubpixelOne};
     }
-    const IntVec inner = hn::Add(hn::Mul(top, ofTop.inner), hn::Mul(bottom, ofBottom.inner));
-    const IntVec edges = hn::Add(SumOfEdges(rows.top + first, rows.top + last, ofTop),
-                                 SumOfEdges(rows.bottom + first, rows.bottom + last, ofBottom));
-    return hn::Add(inner, edges);
+};
+
+// Sums of a vector of boxes. Where all does not fit 31 bits, whole pixels of summed rows, which weigh 16384, are
+// kept apart from the rest.
+struct Sums
+{
+    hn::Vec<Ints> whole, rest;
+};
+
+// Adds the four columns of a block. A pixel's weight is the product of its shares, cut.
+HWY_INLINE void AddBlock(Sums& sums, const ByteRow& row, const int32_t* places, hn::Vec<Shares> first,
+                         hn::Vec<Shares> last)
+{
+    const auto share = hn::Set(Shares(), uint16_t(2 * row.share));
+    const auto pixels = GatherBlocks<1>(Bytes(), row.pixels, places, 1);
+    const auto ofFirst = hn::BitCast(Words(), hn::MulHigh(first, share));
+    const auto ofLast = hn::BitCast(Words(), hn::MulHigh(last, share));
+    sums.rest = AddMulPairs(sums.rest, PairsOfBytes<0>(pixels), ofFirst);
+    sums.rest = AddMulPairs(sums.rest, PairsOfBytes<2>(pixels), ofLast);
 }
 
-// Whole pixels of the box weigh 16384 and are summed apart from the rest, so that both fit 32 bits.
-void WriteMeans(uint8_t* dest, const int32_t* whole, const int32_t* rest, int32_t values, double reciprocal)
+template <bool kWide>
+HWY_INLINE void AddPairs(Sums& sums, hn::Vec<Words> pairs, hn::Vec<Shares> twiceWeights)
 {
-    const Doubles lanes;
-    const PartInts ints;
-    const hn::Rebind<uint8_t, Doubles> bytes;
-    const int32_t step = int32_t(hn::Lanes(lanes));
-    for (int32_t i = 0; i < values; i += step) {
-        const auto ofWhole = hn::PromoteTo(lanes, hn::LoadU(ints, whole + i));
-        const auto ofRest = hn::PromoteTo(lanes, hn::LoadU(ints, rest + i));
-        const auto sum = hn::Add(hn::Mul(ofWhole, hn::Set(lanes, double(kSubpixelOne))), ofRest);
-        const auto mean = hn::Add(hn::Mul(sum, hn::Set(lanes, reciprocal)), hn::Set(lanes, kLift));
-        const auto rounded =
-            hn::BitCast(hn::RebindToUnsigned<decltype(lanes)>(), hn::Add(mean, hn::Set(lanes, kNoFraction)));
-        hn::StoreU(hn::TruncateTo(bytes, rounded), bytes, dest + i);
+    const Shares shares;
+    auto weights = hn::ShiftRight<1>(twiceWeights);
+    if constexpr (kWide) {
+        const auto isWhole = hn::Eq(weights, hn::Set(shares, uint16_t(kSubpixelOne)));
+        const auto ones = hn::IfThenElseZero(isWhole, hn::Set(shares, uint16_t(1)));
+        sums.whole = AddMulPairs(sums.whole, pairs, hn::BitCast(Words(), ones));
+        weights = hn::IfThenZeroElse(isWhole, weights);
+    }
+    sums.rest = AddMulPairs(sums.rest, pairs, hn::BitCast(Words(), weights));
+}
+
+// The boxes of a vector of columns; line is null where no rows are summed.
+template <bool kWide>
+HWY_INLINE Sums SumOfBoxes(const Strip& strip, int32_t k, const BoxRows& rows, const int16_t* line)
+{
+    Sums sums{hn::Zero(Ints()), hn::Zero(Ints())};
+    const int32_t* const places = strip.place + k;
+    for (int32_t block = 0; block < strip.blocks; ++block) {
+        const auto first = hn::BitCast(Shares(), SpreadPixels(strip.Pair(2 * block, k)));
+        const auto last = hn::BitCast(Shares(), SpreadPixels(strip.Pair(2 * block + 1, k)));
+        for (int32_t i = 0; i < rows.singles; ++i)
+            AddBlock(sums, {rows.single[i].pixels + 16 * block, rows.single[i].share}, places, first, last);
+        if (line) {
+            const int16_t* const at = line + 16 * block;
+            AddPairs<kWide>(sums, PairsOfWords(GatherBlocks<1>(Words(), at, places, 1)), first);
+            AddPairs<kWide>(sums, PairsOfWords(GatherBlocks<1>(Words(), at + 8, places, 1)), last);
+        }
+    }
+    return sums;
+}
+
+struct Divisor
+{
+    int32_t area;
+    double reciprocal;
+};
+
+// Half a vector of means, as doubles with their integers in the low bits.
+template <class V>
+HWY_INLINE hn::Vec<Ints> WideMeans(V whole, V rest, double reciprocal)
+{
+    const hn::Repartition<double, Ints> lanes;
+    const auto sum = hn::Add(hn::Mul(hn::PromoteTo(lanes, whole), hn::Set(lanes, double(kSubpixelOne))),
+                             hn::PromoteTo(lanes, rest));
+    const auto mean = hn::Add(hn::Mul(sum, hn::Set(lanes, reciprocal)), hn::Set(lanes, kLift));
+    return hn::BitCast(Ints(), hn::Add(mean, hn::Set(lanes, kNoFraction)));
+}
+
+// The nearest integer to a quotient, halves upwards, as the doubles give it: sums of 31 bits have no quotient
+// so near to a half that the small term would matter but a half itself. A float is wrong by less than
+// 1/16384 here, which added makes its integer right or one too large: the remainder tells.
+HWY_INLINE hn::Vec<Ints> NarrowMeans(hn::Vec<Ints> sums, const Divisor& divisor)
+{
+    constexpr float kIntegers = 0x1.8p23f; // added, leaves the nearest integer in the low bits
+    const Floats lanes;
+    const Ints ints;
+    const auto quotient = hn::Mul(hn::ConvertTo(lanes, sums), hn::Set(lanes, float(divisor.reciprocal)));
+    const auto raised =
+        hn::Add(hn::Add(quotient, hn::Set(lanes, kSubpixelToPixel)), hn::Set(lanes, kIntegers));
+    const auto means = hn::Sub(hn::BitCast(ints, raised), hn::BitCast(ints, hn::Set(lanes, kIntegers)));
+    const auto halvesUp = hn::Add(sums, hn::Set(ints, divisor.area >> 1));
+    const auto remainder = hn::Sub(halvesUp, hn::Mul(means, hn::Set(ints, divisor.area)));
+    return hn::Add(means, hn::ShiftRight<31>(remainder)); // less one where it is negative
+}
+
+template <bool kWide>
+HWY_INLINE hn::Vec<Ints> MeansOf(const Sums& sums, const Divisor& divisor)
+{
+    const Ints lanes;
+    const hn::Half<Ints> half;
+    if constexpr (kWide) {
+        const auto lower =
+            WideMeans(hn::LowerHalf(half, sums.whole), hn::LowerHalf(half, sums.rest), divisor.reciprocal);
+        const auto upper =
+            WideMeans(hn::UpperHalf(half, sums.whole), hn::UpperHalf(half, sums.rest), divisor.reciprocal);
+        return hn::And(hn::ConcatEven(lanes, upper, lower), hn::Set(lanes, 255));
+    } else {
+        return NarrowMeans(sums.rest, divisor);
     }
 }
 
+template <bool kWide>
+HWY_INLINE void WriteMeans(uint8_t* dest, const Sums& sums, const Divisor& divisor)
+{
+    const hn::Rebind<uint8_t, Ints> bytes;
+    const auto means = hn::BitCast(hn::RebindToUnsigned<Ints>(), MeansOf<kWide>(sums, divisor));
+    hn::StoreU(hn::U8FromU32(means), bytes, dest);
+}
+
+template <bool kWide>
 void BoxByteRow(const ScaleJob& job, const Strip& strip, uint8_t* dest, int32_t begin, int32_t end,
                 const BoxSpan& y)
 {
-    const double reciprocal = 1.0 / double(Area(job.x.step, job.y.step));
-    const bool partFirst = y.firstShare != kSubpixelOne,
-               partLast = y.last > y.first && y.lastShare != kSubpixelOne;
-    const PartRows part{job.SourceRow(y.first), job.SourceRow(y.last), partFirst ? y.firstShare : 0,
-                        partLast ? y.lastShare : 0};
-    const int32_t wholeFirst = y.first + partFirst, wholeRows = y.last - partLast - wholeFirst + 1;
-    const int32_t chunkColumns = std::min(kChunkColumns, (kLinePixels - 2) * kSubpixelOne / job.x.step);
-    HWY_ALIGN uint16_t line[4 * kLinePixels];
-    HWY_ALIGN int32_t whole[4 * kChunkColumns], rest[4 * kChunkColumns];
-    for (int32_t chunk = begin; chunk < end; chunk += chunkColumns) {
-        const int32_t last = std::min(chunk + chunkColumns, end);
-        const int32_t firstColumn = strip.spans[chunk].first;
-        SumRows(line, job.SourceRow(wholeFirst) + 4 * int64_t(firstColumn), job.sourceStride, wholeRows,
-                4 * (strip.spans[last - 1].last - firstColumn + 1));
-        for (int32_t k = chunk; k < last; ++k) {
-            const BoxSpan& x = strip.spans[k];
-            const uint16_t* const from = line + 4 * (x.first - firstColumn);
-            const uint16_t* const to = line + 4 * (x.last - firstColumn);
-            IntVec sum = SumOfEdges(from, to, EdgeWeights(x, kSubpixelOne));
-            if (partFirst || partLast)
-                sum = hn::Add(sum, SumOfPartRows(part, x));
-            hn::StoreU(SumOfInner(from, to), Ints(), whole + 4 * (k - chunk));
-            hn::StoreU(sum, Ints(), rest + 4 * (k - chunk));
+    const int64_t area = Area(job.x.step, job.y.step);
+    const Divisor divisor{int32_t(area), 1.0 / double(area)};
+    const BoxRows rows(job, y);
+    const int32_t spare = 16 * strip.blocks;
+    HWY_ALIGN int16_t line[4 * kLinePixels + 16 * kMostBlocks];
+    for (int32_t k = begin; k < end;) {
+        const int32_t last = std::min(k - k % strip.chunkColumns + strip.chunkColumns, end);
+        const int32_t firstColumn = strip.FirstOfChunk(k);
+        BoxRows ofChunk = rows;
+        for (ByteRow& row : ofChunk.single)
+            row.pixels += 4 * int64_t(firstColumn);
+        if (rows.wholeRows > 1) {
+            const int32_t values = 4 * (strip.spans[last - 1].last - firstColumn + 1);
+            SumRows(reinterpret_cast<uint16_t*>(line),
+                    job.SourceRow(rows.wholeFirst) + 4 * int64_t(firstColumn), job.sourceStride,
+                    rows.wholeRows, values);
+            std::fill_n(line + values, spare, int16_t(0));
         }
-        WriteMeans(dest + 4 * int64_t(chunk), whole, rest, 4 * (last - chunk), reciprocal);
+        const int32_t vectorLast = std::min(last, strip.freeCount);
+        for (; k + kVectorPixels <= vectorLast; k += kVectorPixels)
+            WriteMeans<kWide>(dest + 4 * int64_t(k),
+                              SumOfBoxes<kWide>(strip, k, ofChunk, rows.wholeRows > 1 ? line : nullptr),
+                              divisor);
+        BoxRow<BytePixel, std::conditional_t<kWide, uint64_t, uint32_t>>(job, strip, dest, k, last, y);
+        k = last;
     }
+}
+
+void BoxByteRowNarrow(const ScaleJob& job, const Strip& strip, uint8_t* dest, int32_t begin, int32_t end,
+                      const BoxSpan& y)
+{
+    BoxByteRow<false>(job, strip, dest, begin, end, y);
+}
+
+void BoxByteRowWide(const ScaleJob& job, const Strip& strip, uint8_t* dest, int32_t begin, int32_t end,
+                    const BoxSpan& y)
+{
+    BoxByteRow<true>(job, strip, dest, begin, end, y);
+}
+
+// The four channels of a box side by side, in the order of the plain form.
+template <class D>
+HWY_INLINE hn::Vec<D> SumOfFloats(D lanes, const ScaleJob& job, const BoxSpan& x, const BoxSpan& y)
+{
+    const auto load = [&](const float* row, int32_t column) HWY_ATTR {
+        return hn::PromoteTo(lanes, hn::LoadU(hn::Rebind<float, D>(), row + 4 * int64_t(column)));
+    };
+    const auto share = [&](int32_t s) HWY_ATTR { return hn::Set(lanes, Multiplier<double>(s)); };
+    auto sum = hn::Zero(lanes);
+    for (int32_t line = y.first; line <= y.last; ++line) {
+        const auto* const row =
+            reinterpret_cast<const float*>(job.SourceRow(line)); // loaded from any address
+        const int32_t rowShare = ShareAt(y, line);
+        auto whole = hn::Zero(lanes);
+        for (int32_t column = x.first + 1; column < x.last; ++column)
+            whole = hn::Add(whole, load(row, column));
+        sum = hn::Add(sum, hn::Mul(load(row, x.first), share(CoverageProduct(x.firstShare, rowShare))));
+        sum = hn::Add(sum, hn::Mul(whole, share(rowShare)));
+        if (x.last != x.first)
+            sum = hn::Add(sum, hn::Mul(load(row, x.last), share(CoverageProduct(x.lastShare, rowShare))));
+    }
+    return sum;
+}
+
+template <class D>
+HWY_INLINE void BoxFloats(D lanes, const ScaleJob& job, const Strip& strip, uint8_t* dest, int32_t begin,
+                          int32_t end, const BoxSpan& y)
+{
+    if constexpr (hn::MaxLanes(lanes) < 4) {
+        BoxRow<FloatPixel, double>(job, strip, dest, begin, end, y);
+    } else {
+        const hn::Rebind<float, D> floats;
+        const auto reciprocal = hn::Set(lanes, double(kSubpixelOne) / double(Area(job.x.step, job.y.step)));
+        for (int32_t k = begin; k < end; ++k) {
+            const auto mean = hn::Mul(SumOfFloats(lanes, job, strip.spans[k], y), reciprocal);
+            hn::StoreU(hn::DemoteTo(floats, mean), floats,
+                       reinterpret_cast<float*>(dest + int64_t(FloatPixel::kBytes) * k));
+        }
+    }
+}
+
+void BoxFloatRow(const ScaleJob& job, const Strip& strip, uint8_t* dest, int32_t begin, int32_t end,
+                 const BoxSpan& y)
+{
+    BoxFloats(hn::CappedTag<double, 4>(), job, strip, dest, begin, end, y);
 }
 
 } // namespace
@@ -229,7 +456,9 @@ HWY_AFTER_NAMESPACE();
 namespace vx {
 namespace {
 
-HWY_EXPORT(BoxByteRow);
+HWY_EXPORT(BoxFloatRow);
+HWY_EXPORT(BoxByteRowNarrow);
+HWY_EXPORT(BoxByteRowWide);
 
 // A part of a destination pixel that covers less than one unit of the source leaves it alone.
 template <class Pixel, class Sum>
@@ -242,10 +471,12 @@ void BlendMean(const ScaleJob& job, uint8_t* at, const BoxSpan& x, const BoxSpan
 }
 
 template <class Pixel, class Sum>
-void Box(const ScaleJob& job, BoxRowFn workRow)
+void Box(const ScaleJob& job, BoxRowFn workRow, bool byVectors)
 {
-    for (int32_t first = 0; first < job.x.count; first += kStripColumns) {
-        const Strip strip(job.x, first);
+    for (int32_t first = 0; first < job.x.count;) {
+        Strip strip(job.x, first);
+        if (byVectors)
+            strip.PrepareForVectors(job.x);
         for (int32_t row = 0; row < job.y.count; ++row) {
             const BoxSpan y = BoxSpanAt(job.y, row);
             const int32_t coverage = job.y.Coverage(row);
@@ -260,15 +491,19 @@ void Box(const ScaleJob& job, BoxRowFn workRow)
                     workRow(job, strip, dest, begin - first, end - first, y);
                 });
         }
+        first += strip.count;
     }
 }
 
 template <class Sum>
-void BoxBytes(const ScaleJob& job)
+void BoxBytes(const ScaleJob& job, bool narrow)
 {
-    const bool small = job.x.step <= kVectorSide && job.y.step <= kVectorSide;
     const BoxRowFn plain = BoxRow<BytePixel, Sum>;
-    Box<BytePixel, Sum>(job, small ? VX_VECTOR_FORM(BoxByteRow, (BoxRow<BytePixel, Sum>)) : plain);
+    if (job.x.step > kVectorSide || job.y.step > kVectorSide)
+        return Box<BytePixel, Sum>(job, plain, false);
+    const BoxRowFn row = narrow ? VX_VECTOR_FORM(BoxByteRowNarrow, (BoxRow<BytePixel, Sum>))
+                                : VX_VECTOR_FORM(BoxByteRowWide, (BoxRow<BytePixel, Sum>));
+    Box<BytePixel, Sum>(job, row, row != plain);
 }
 
 } // namespace
@@ -276,11 +511,11 @@ void BoxBytes(const ScaleJob& job)
 void ScaleBox(const ScaleJob& job, int32_t bytesPerPixel)
 {
     if (bytesPerPixel == FloatPixel::kBytes)
-        Box<FloatPixel, double>(job, BoxRow<FloatPixel, double>);
+        Box<FloatPixel, double>(job, VX_VECTOR_FORM(BoxFloatRow, (BoxRow<FloatPixel, double>)), false);
     else if (WidestSpan(job.x) * WidestSpan(job.y) * kSubpixelOne * 255 < kNarrowSums)
-        BoxBytes<uint32_t>(job);
+        BoxBytes<uint32_t>(job, true);
     else
-        BoxBytes<uint64_t>(job);
+        BoxBytes<uint64_t>(job, false);
 }
 
 } // namespace vx

@@ -11,6 +11,8 @@
 #include "dib/scale_job.h"
 #include "kernel/vector_targets.h"
 
+#include <hwy/cache_control.h>
+
 namespace vx {
 namespace {
 
@@ -18,7 +20,9 @@ namespace {
 struct CubicRows
 {
     const uint8_t* row[4];
-    int32_t weights; // row of the weight tables
+    int32_t weights;      // row of the weight tables
+    const uint8_t* ahead; // the row that comes next
+    int64_t destAhead;    // bytes to the destination's next row
 };
 
 // Sums are rounded, and what is negative is truncated after that: towards zero.
@@ -146,34 +150,14 @@ using CubicRowFn = void (*)(uint8_t*, const CubicRows&, const Strip&, int32_t, i
 
 #endif // VX_SCALE_CUBIC_PLAIN
 
+#include "dib/scale_taps-inl.h"
+
 HWY_BEFORE_NAMESPACE();
 namespace vx {
 namespace HWY_NAMESPACE {
 namespace {
 
-namespace hn = hwy::HWY_NAMESPACE;
-
-using Floats = hn::ScalableTag<float>;
-using Ints = hn::RebindToSigned<Floats>;
-using Words = hn::Repartition<int16_t, Ints>;
-constexpr int32_t kLanes = int32_t(hn::MaxLanes(Floats()));
-constexpr int32_t kVectorPixels = kLanes / 4;
 constexpr int32_t kLinePixels = kChunkColumns * (Strip::kFarStep / kSubpixelOne) + 8;
-
-// A 16-byte block for each column of the vector: of every `every`th place, at multiples of `scale`
-// values.
-template <int32_t every, class D, class T>
-hn::Vec<D> GatherBlocks(D d, const T* from, const int32_t* places, int64_t scale)
-{
-    if constexpr (hn::MaxLanes(d) * sizeof(T) == 16) {
-        return hn::LoadU(d, from + scale * places[0]);
-    } else {
-        const hn::Half<D> half;
-        constexpr int32_t kNextHalf = every * int32_t(hn::MaxLanes(half) * sizeof(T) / 16);
-        return hn::Combine(d, GatherBlocks<every>(half, from, places + kNextHalf, scale),
-                           GatherBlocks<every>(half, from, places, scale));
-    }
-}
 
 // One value a column, each spread over the lanes of its pixel: of every second column from `first`.
 hn::Vec<Ints> SpreadColumns(const int32_t* values, int32_t first)
@@ -182,21 +166,6 @@ hn::Vec<Ints> SpreadColumns(const int32_t* values, int32_t first)
     const auto pixel = hn::ShiftRight<2>(hn::Iota(lanes, 0));
     const auto column = hn::IndicesFromVec(lanes, hn::Add(hn::Add(pixel, pixel), hn::Set(lanes, first)));
     return hn::TableLookupLanes(hn::LoadU(lanes, values), column);
-}
-
-// a0 b0 + a1 b1 in each lane, of the 16-bit halves of the lanes.
-hn::Vec<Ints> MulPairs(hn::Vec<Words> a, hn::Vec<Words> b)
-{
-    const Ints lanes;
-#if HWY_ARCH_X86
-    auto unused = hn::Zero(lanes);
-    return hn::ReorderWidenMulAccumulate(lanes, a, b, hn::Zero(lanes), unused);
-#else
-    const auto a0 = hn::ShiftRight<16>(hn::ShiftLeft<16>(hn::BitCast(lanes, a)));
-    const auto b0 = hn::ShiftRight<16>(hn::ShiftLeft<16>(hn::BitCast(lanes, b)));
-    const auto a1 = hn::ShiftRight<16>(hn::BitCast(lanes, a)), b1 = hn::ShiftRight<16>(hn::BitCast(lanes, b));
-    return hn::Add(hn::Mul(a0, b0), hn::Mul(a1, b1));
-#endif
 }
 
 // Filters rows into a line. Its values lie between -64 and 319: the weights' sizes sum to 1.25. The rows
@@ -210,14 +179,16 @@ void FilterRows(int16_t* line, const CubicRows& rows, int64_t firstByte, int32_t
     const auto firstWeights = hn::BitCast(words, hn::Set(lanes, Strip::Pair(w[0], w[1])));
     const auto lastWeights = hn::BitCast(words, hn::Set(lanes, Strip::Pair(w[2], w[3])));
     const auto half = hn::Set(lanes, kSubpixelOne / 2);
+    const uint8_t* const ahead = rows.ahead + firstByte;
     const auto fraction = hn::Set(lanes, kSubpixelOne - 1);
     const auto withoutFraction = [&](hn::Vec<Words> first, hn::Vec<Words> last) {
-        auto sum = hn::Add(hn::Add(MulPairs(first, firstWeights), MulPairs(last, lastWeights)), half);
+        auto sum = AddMulPairs(AddMulPairs(half, first, firstWeights), last, lastWeights);
         sum = hn::Add(sum, hn::And(hn::BroadcastSignBit(sum), fraction)); // the shift rounds down
         return hn::ShiftRight<kSubpixelBits>(sum);
     };
     int32_t i = 0;
     for (; i + 2 * kLanes <= values; i += 2 * kLanes) {
+        hwy::Prefetch(ahead + i);
         const auto load = [&](int32_t tap) {
             return hn::PromoteTo(words, hn::LoadU(bytes, rows.row[tap] + firstByte + i));
         };
@@ -269,15 +240,17 @@ void FilterColumns(uint8_t* dest, const int16_t* line, const Strip& strip, int32
     const hn::Rebind<uint8_t, Words> bytes;
     alignas(16) static constexpr uint8_t kPairs[16] = {0, 1, 8, 9, 2, 3, 10, 11, 4, 5, 12, 13, 6, 7, 14, 15};
     const auto pairs = hn::LoadDup128(bytesOfWords, kPairs);
-    const auto product = [&](const int16_t* from, const int32_t* weights, int32_t odd) {
+    const auto addProduct = [&](hn::Vec<Ints> sum, const int16_t* from, const int32_t* weights, int32_t odd) {
         const auto pixels =
             hn::BitCast(bytesOfWords, GatherBlocks<2>(words, from, strip.linePlace + k + odd, 1));
-        return MulPairs(hn::BitCast(words, hn::TableLookupBytes(pixels, pairs)),
-                        hn::BitCast(words, SpreadColumns(weights + k, odd)));
+        return AddMulPairs(sum, hn::BitCast(words, hn::TableLookupBytes(pixels, pairs)),
+                           hn::BitCast(words, SpreadColumns(weights + k, odd)));
     };
     const auto filter = [&](int32_t odd) {
-        const auto sum = hn::Add(product(line, strip.firstPair, odd), product(line + 8, strip.lastPair, odd));
-        return hn::ShiftRight<kSubpixelBits>(hn::Add(sum, hn::Set(lanes, kSubpixelOne / 2)));
+        const auto half = hn::Set(lanes, kSubpixelOne / 2);
+        const auto sum =
+            addProduct(addProduct(half, line, strip.firstPair, odd), line + 8, strip.lastPair, odd);
+        return hn::ShiftRight<kSubpixelBits>(sum);
     };
     const auto packed = hn::ReorderDemote2To(words, filter(0), filter(1));
     hn::StoreU(hn::DemoteTo(bytes, packed), bytes, dest); // limits: rounding down below 0 does not show
@@ -317,8 +290,11 @@ void CubicRowVector(uint8_t* dest, const CubicRows& rows, const Strip& strip, in
         const int32_t last = std::min(k - k % kChunkColumns + kChunkColumns, freeEnd);
         const int32_t first = strip.FirstOfChunk(k);
         FilterRows(line, rows, int64_t(Pixel::kBytes) * first, 4 * (strip.first[last - 1] + 4 - first));
-        for (; k + 2 * kVectorPixels <= last; k += 2 * kVectorPixels)
-            FilterColumns(dest + int64_t(Pixel::kBytes) * k, line, strip, k);
+        for (; k + 2 * kVectorPixels <= last; k += 2 * kVectorPixels) {
+            uint8_t* const at = dest + int64_t(Pixel::kBytes) * k;
+            hwy::Prefetch(at + rows.destAhead);
+            FilterColumns(at, line, strip, k);
+        }
         CubicRow<Pixel>(dest, rows, strip, k, last);
         k = last;
     }
@@ -357,17 +333,12 @@ void ScaleCubicPixels(const ScaleJob& job, CubicRowFn workRow)
             const CubicTaps taps = CubicTapsAt(job.y, y, false);
             const CubicRows rows{{job.SourceRow(taps.tap[0]), job.SourceRow(taps.tap[1]),
                                   job.SourceRow(taps.tap[2]), job.SourceRow(taps.tap[3])},
-                                 taps.weights};
-            const int32_t coverage = job.y.Coverage(y);
-            uint8_t* const dest = job.DestRow(y) + int64_t(Pixel::kBytes) * (job.x.firstPixel + first);
-            ForColumns(
-                job, coverage, first, first + strip.count,
-                [&](int32_t k) {
-                    StorePixel(dest + int64_t(Pixel::kBytes) * (k - first),
-                               Filtered(Pixel(), rows, strip.Taps(k - first)),
-                               EdgeCoverage(Pixel(), job.x.Coverage(k), coverage));
-                },
-                [&](int32_t begin, int32_t end) { workRow(dest, rows, strip, begin - first, end - first); });
+                                 taps.weights,
+                                 job.SourceRow(taps.tap[3] + 1),
+                                 job.destStride};
+            ForStripOfRow<Pixel>(
+                job, y, first, strip.count, [&](int32_t k) { return Filtered(Pixel(), rows, strip.Taps(k)); },
+                [&](uint8_t* dest, int32_t begin, int32_t end) { workRow(dest, rows, strip, begin, end); });
         }
     }
 }

@@ -114,6 +114,23 @@ void ForColumns(const ScaleJob& job, int32_t rowCoverage, int32_t from, int32_t 
         edge(k);
 }
 
+// Works the `count` columns from `first` on of row y: body(dest, begin, end) on columns that are written
+// whole, counted from `first`, whose pixel dest is; value(k) gives the pixel of one that blends.
+template <class Pixel, class Value, class Body>
+void ForStripOfRow(const ScaleJob& job, int32_t y, int32_t first, int32_t count, const Value& value,
+                   const Body& body)
+{
+    const int32_t coverage = job.y.Coverage(y);
+    uint8_t* const dest = job.DestRow(y) + int64_t(Pixel::kBytes) * (job.x.firstPixel + first);
+    ForColumns(
+        job, coverage, first, first + count,
+        [&](int32_t x) {
+            StorePixel(dest + int64_t(Pixel::kBytes) * (x - first), value(x - first),
+                       EdgeCoverage(Pixel(), job.x.Coverage(x), coverage));
+        },
+        [&](int32_t begin, int32_t end) { body(dest, begin - first, end - first); });
+}
+
 // The kernels. Each works the whole job.
 void ScaleLinear(const ScaleJob& job, int32_t bytesPerPixel);
 void ScaleCubic(const ScaleJob& job, int32_t bytesPerPixel);

@@ -11,6 +11,9 @@
 #include "kernel/parallel.h"
 #include "kernel/vector_targets.h"
 
+#include <hwy/cache_control.h>
+#include <utility>
+
 namespace vx {
 namespace {
 
@@ -63,27 +66,23 @@ void WriteMixed(uint8_t* dest, const RowPair& rows, const LinearTaps& x)
 
 // A run of columns with what each samples, so that it is worked out once for all rows.
 constexpr int32_t kStripColumns = 2048;
-constexpr int32_t kChunkColumns = 256; // whose source columns are mixed into one line
-constexpr int32_t kSpareLanes = 16;    // a vector may be loaded where fewer columns are left
+constexpr int32_t kSpareLanes = 16; // a vector may be loaded where fewer columns are left
 
 struct Strip
 {
-    int32_t count;
+    int32_t first, count;
     bool onPixels; // every column samples one source column alone
-    bool far;      // columns are so far apart that few source columns count
     int32_t here[kStripColumns], next[kStripColumns];
     float fraction[kStripColumns + kSpareLanes];
-    int32_t linePlace[kStripColumns]; // of `here` in the line of its chunk, in values
 
-    Strip(const ScaleAxis& axis, int32_t first)
-        : count(std::min(axis.count - first, kStripColumns)), onPixels(true), far(axis.step > kFarStep)
+    Strip(const ScaleAxis& axis, int32_t firstColumn)
+        : first(firstColumn), count(std::min(axis.count - first, kStripColumns)), onPixels(true)
     {
         for (int32_t k = 0; k < count; ++k) {
             const LinearTaps taps = LinearTapsAt(axis, first + k);
             here[k] = taps.here;
             next[k] = taps.next;
             fraction[k] = float(taps.fraction) * kSubpixelToPixel;
-            linePlace[k] = 4 * (taps.here - FirstOfChunk(k));
             onPixels = onPixels && taps.fraction == 0;
         }
         std::fill_n(fraction + count, kSpareLanes, 0.0f);
@@ -93,10 +92,6 @@ struct Strip
     {
         return {here[k], next[k], int32_t(fraction[k] * float(kSubpixelOne))};
     }
-
-    int32_t FirstOfChunk(int32_t k) const { return here[k - k % kChunkColumns]; }
-
-    static constexpr int32_t kFarStep = 4 * kSubpixelOne;
 };
 
 // Writes the columns `begin` to `end` of a strip; dest is the pixel of column 0.
@@ -107,123 +102,248 @@ void LinearRow(uint8_t* dest, const RowPair& rows, const Strip& strip, int32_t b
         WriteMixed<Pixel>(dest + int64_t(Pixel::kBytes) * k, rows, strip.Taps(k));
 }
 
-using LinearRowFn = void (*)(uint8_t*, const RowPair&, const Strip&, int32_t, int32_t);
+RowPair RowsAt(const ScaleJob& job, int32_t y)
+{
+    const LinearTaps taps = LinearTapsAt(job.y, y);
+    return {job.SourceRow(taps.here), job.SourceRow(taps.next), taps.fraction};
+}
+
+// Works a strip's part of the rows `first` to `last`. writeColumns(dest, rows, y, begin, end) does what
+// blends with nothing.
+template <class Pixel, class WriteColumns>
+void ForRows(const ScaleJob& job, const Strip& strip, int32_t first, int32_t last,
+             const WriteColumns& writeColumns)
+{
+    for (int32_t y = first; y < last; ++y) {
+        const RowPair rows = RowsAt(job, y);
+        ForStripOfRow<Pixel>(
+            job, y, strip.first, strip.count, [&](int32_t k) { return Mixed(Pixel(), rows, strip.Taps(k)); },
+            [&](uint8_t* dest, int32_t begin, int32_t end) { writeColumns(dest, rows, y, begin, end); });
+    }
+}
+
+template <class Pixel>
+void LinearBand(const ScaleJob& job, const Strip& strip, int32_t first, int32_t last)
+{
+    ForRows<Pixel>(job, strip, first, last,
+                   [&](uint8_t* dest, const RowPair& rows, int32_t, int32_t begin, int32_t end) {
+                       LinearRow<Pixel>(dest, rows, strip, begin, end);
+                   });
+}
+
+using LinearBandFn = void (*)(const ScaleJob&, const Strip&, int32_t, int32_t);
 
 } // namespace
 } // namespace vx
 
 #endif // VX_SCALE_LINEAR_PLAIN
 
+#include "dib/scale_taps-inl.h"
+
 HWY_BEFORE_NAMESPACE();
 namespace vx {
 namespace HWY_NAMESPACE {
 namespace {
 
-namespace hn = hwy::HWY_NAMESPACE;
+// Columns are worked in groups of four vectors, of which vector j has every fourth pixel from the j-th on.
+// The bytes of the four then come together in each block of 16 bytes.
+constexpr int32_t kGroup = 4 * kVectorPixels;
 
-using Lanes = hn::ScalableTag<float>;
-constexpr int32_t kVectorPixels = int32_t(hn::MaxLanes(Lanes())) / 4;
+// 1.5 * 2^23, as the bits of a float. A float so large has an integer in its low bits.
+constexpr int32_t kIntegerFloat = 0x4B400000;
+constexpr int32_t kHalf = kSubpixelOne / 2;
 
-// Pixels of four floats each, one for each block of the vector: of every `every`th place, at multiples
-// of `scale` floats.
-template <int32_t every, class D>
-hn::Vec<D> GatherPixels(D d, const float* from, const int32_t* places, int64_t scale)
+// A strip's columns for the vectors, in groups. Columns behind the last one repeat it.
+struct Columns
 {
-    if constexpr (hn::MaxLanes(d) == 4) {
-        return hn::LoadU(d, from + scale * places[0]);
-    } else {
-        const hn::Half<D> half;
-        constexpr int32_t kNextHalf = every * int32_t(hn::MaxLanes(half)) / 4;
-        return hn::Combine(d, GatherPixels<every>(half, from, places + kNextHalf, scale),
-                           GatherPixels<every>(half, from, places, scale));
+    HWY_ALIGN int32_t weights[kStripColumns]; // a pair of 16-bit ones a pixel, vector by vector
+    int32_t place[kStripColumns];             // of the source pixel, in bytes
+    int32_t groups;
+    bool atEnd[kStripColumns / kGroup]; // fewer than 16 bytes are left in the source row from some place on
+
+    Columns(const Strip& strip, int32_t sourceSize) : groups((strip.count + kGroup - 1) / kGroup)
+    {
+        for (int32_t k = 0; k < groups * kGroup; ++k) {
+            const LinearTaps taps = strip.Taps(std::min(k, strip.count - 1));
+            const int32_t ofNext = taps.next == taps.here ? 0 : taps.fraction;
+            weights[InVectors(k)] = (kSubpixelOne - ofNext) | ofNext << 16;
+            place[k] = BytePixel::kBytes * taps.here;
+            bool& end = atEnd[k / kGroup];
+            end = (k % kGroup != 0 && end) || taps.here + 4 > sourceSize;
+        }
+    }
+
+    // Where column k stands when vectors follow each other.
+    static int32_t InVectors(int32_t k)
+    {
+        const int32_t inGroup = k % kGroup;
+        return k - inGroup + inGroup % 4 * kVectorPixels + inGroup / 4;
+    }
+};
+
+void MixGroupAtEnd(float* line, const uint8_t* row, const Columns& columns, int32_t group)
+{
+    for (int32_t k = group * kGroup; k < (group + 1) * kGroup; ++k) {
+        const int32_t weights = columns.weights[Columns::InVectors(k)];
+        const uint8_t* const here = row + columns.place[k];
+        const uint8_t* const next = weights >> 16 ? here + BytePixel::kBytes : here;
+        for (int32_t c = 0; c < 4; ++c) {
+            const int32_t mixed = here[c] * (weights & 0xFFFF) + next[c] * (weights >> 16);
+            line[4 * Columns::InVectors(k) + c] = float(mixed + kHalf + 3 * (1 << 22));
+        }
     }
 }
 
-// One value a column, each spread over the lanes of its pixel: of every `every`th column from `first`.
-hn::Vec<Lanes> SpreadColumns(hn::Vec<Lanes> values, int32_t every, int32_t first)
+// Mixes the columns of a row into a line of integers, in units of 1/16384 and half a unit of the result
+// more: floats of the kind that kIntegerFloat starts.
+void MixColumns(float* line, const uint8_t* row, const uint8_t* rowAfter, const Columns& columns)
 {
-    const Lanes lanes;
-    const hn::RebindToSigned<Lanes> ints;
-    const auto pixel = hn::ShiftRight<2>(hn::Iota(ints, 0));
-    const auto column = hn::Add(hn::Mul(pixel, hn::Set(ints, every)), hn::Set(ints, first));
-    return hn::TableLookupLanes(values, hn::IndicesFromVec(lanes, column));
-}
-
-// Source columns of a row pair mixed by the row's fraction, in 1/16384: exact in a float.
-void MixRows(float* line, const uint8_t* here, const uint8_t* next, int32_t values, int32_t fraction)
-{
-    const Lanes lanes;
-    const hn::RebindToSigned<Lanes> ints;
-    const hn::Rebind<uint8_t, Lanes> bytes;
-    const auto hereWeight = hn::Set(lanes, float(kSubpixelOne - fraction));
-    const auto nextWeight = hn::Set(lanes, float(fraction));
-    const auto load = [&](const uint8_t* p) {
-        return hn::ConvertTo(lanes, hn::PromoteTo(ints, hn::LoadU(bytes, p)));
-    };
-    const int32_t step = int32_t(hn::Lanes(lanes));
-    int32_t i = 0;
-    for (; i + step <= values; i += step)
-        hn::StoreU(hn::Add(hn::Mul(load(here + i), hereWeight), hn::Mul(load(next + i), nextWeight)), lanes,
-                   line + i);
-    for (; i < values; ++i)
-        line[i] = float(here[i] * (kSubpixelOne - fraction) + next[i] * fraction);
-}
-
-constexpr int32_t kLinePixels = kChunkColumns * (Strip::kFarStep / kSubpixelOne) + 4;
-
-// Mixes the rows first, once for each source column, then the columns, in floats and in units of
-// 1/16384. The exact sum of a pixel differs from that by at most 1/4 for the two roundings here, by
-// 1/2 for the rounding to an integer, and is smaller by up to 15/16 for what the integer weights lose:
-// it lies between estimate - 27/16 and estimate + 3/4. So where the estimate, half a unit of the
-// result added, stands on or one above a multiple of 16384, and only there, the bytes are in doubt;
-// one vector in hundreds is then mixed exactly.
-void LinearByteRow(uint8_t* dest, const RowPair& rows, const Strip& strip, int32_t begin, int32_t end)
-{
-    if (strip.far)
-        return LinearRow<BytePixel>(dest, rows, strip, begin, end);
-    const Lanes lanes;
-    const hn::RebindToSigned<Lanes> ints;
-    const hn::Repartition<int16_t, Lanes> words;
-    const hn::Rebind<uint8_t, decltype(words)> bytes;
-    const bool exact = strip.onPixels || rows.fraction == 0;
-    // A float that has 1.5 * 2^23 added has the nearest integer in its low bits.
-    const auto noFraction = hn::Set(lanes, 0x1.8p23f);
-    const auto lowBits = hn::Sub(hn::BitCast(ints, noFraction), hn::Set(ints, kSubpixelOne / 2));
-    const auto doubtBits = hn::Set(ints, kSubpixelOne - 2);
-    HWY_ALIGN float line[4 * kLinePixels];
-    for (int32_t k = begin; k < end;) {
-        const int32_t last = std::min(k - k % kChunkColumns + kChunkColumns, end);
-        const int32_t first = strip.FirstOfChunk(k), pixels = strip.next[last - 1] - first + 1;
-        MixRows(line, rows.here + 4 * int64_t(first), rows.next + 4 * int64_t(first), 4 * pixels,
-                rows.fraction);
-        std::memcpy(line + 4 * pixels, line + 4 * (pixels - 1), FloatPixel::kBytes); // the last one's next
-        const auto mix = [&](hn::Vec<Lanes> fractions, int32_t odd) {
-            const auto here = GatherPixels<2>(lanes, line, strip.linePlace + k + odd, 1);
-            const auto next = GatherPixels<2>(lanes, line + 4, strip.linePlace + k + odd, 1);
-            const auto part = hn::Mul(hn::Sub(next, here), SpreadColumns(fractions, 2, odd));
-            return hn::Sub(hn::BitCast(ints, hn::Add(hn::Add(here, part), noFraction)), lowBits);
-        };
-        // Even and odd columns apart: packing two vectors block by block then leaves pixels in order.
-        for (; k + 2 * kVectorPixels <= last; k += 2 * kVectorPixels) {
-            const auto fractions = hn::LoadU(lanes, strip.fraction + k);
-            const auto even = mix(fractions, 0), odd = mix(fractions, 1);
-            const auto nearest = hn::Min(hn::And(even, doubtBits), hn::And(odd, doubtBits));
-            if (!exact && !hn::AllFalse(ints, hn::Eq(nearest, hn::Zero(ints)))) {
-                LinearRow<BytePixel>(dest, rows, strip, k, k + 2 * kVectorPixels);
-                continue;
-            }
-            const auto packed = hn::ReorderDemote2To(words, hn::ShiftRight<kSubpixelBits>(even),
-                                                     hn::ShiftRight<kSubpixelBits>(odd));
-            hn::StoreU(hn::DemoteTo(bytes, packed), bytes, dest + 4 * int64_t(k));
+    const Ints ints;
+    const Bytes bytes;
+    alignas(16) static constexpr uint8_t kPairs[16] = {0, 0x80, 4, 0x80, 1, 0x80, 5, 0x80,
+                                                       2, 0x80, 6, 0x80, 3, 0x80, 7, 0x80};
+    const auto pairs = hn::LoadDup128(bytes, kPairs);
+    const auto start = hn::Set(ints, kIntegerFloat + kHalf);
+    for (int32_t group = 0; group < columns.groups; ++group) {
+        const int32_t at = group * kGroup;
+        if (HWY_UNLIKELY(columns.atEnd[group])) {
+            MixGroupAtEnd(line, row, columns, group);
+            continue;
         }
-        LinearRow<BytePixel>(dest, rows, strip, k, last);
+        for (int32_t place = columns.place[at]; place <= columns.place[at + kGroup - 1]; place += 64)
+            hwy::Prefetch(rowAfter + place);
+        for (int32_t j = 0; j < 4; ++j) {
+            const auto pixels = GatherBlocks<4>(bytes, row, columns.place + at + j, 1);
+            const auto words = hn::BitCast(Words(), hn::TableLookupBytesOr0(pixels, pairs));
+            const auto weights = hn::BitCast(Words(), SpreadPixels(columns.weights + at + j * kVectorPixels));
+            hn::Store(hn::BitCast(Floats(), AddMulPairs(start, words, weights)), Floats(),
+                      line + 4 * at + j * kLanes);
+        }
+    }
+}
+
+struct LinePair
+{
+    const float* here;
+    const float* next;
+    float fraction;
+    bool exact; // the integer weights lose nothing
+};
+
+// The rows of a vector's pixels mixed too, by the same units.
+HWY_INLINE hn::Vec<Ints> MixLines(const LinePair& lines, int32_t at)
+{
+    const Floats lanes;
+    const auto here = hn::Load(lanes, lines.here + at), next = hn::Load(lanes, lines.next + at);
+    return hn::BitCast(Ints(), hn::Add(here, hn::Mul(hn::Sub(next, here), hn::Set(lanes, lines.fraction))));
+}
+
+// The low byte of what stands above the 14 fraction bits, in byte `to` of each lane.
+template <int32_t to>
+HWY_INLINE hn::Vec<Ints> TakeByte(hn::Vec<Ints> mixed)
+{
+    constexpr int32_t kShift = 8 * to - kSubpixelBits;
+    const auto mask = hn::Set(Ints(), int32_t(0xFFu << (8 * to)));
+    if constexpr (kShift < 0)
+        return hn::And(hn::ShiftRight<-kShift>(mixed), mask);
+    else
+        return hn::And(hn::ShiftLeft<kShift>(mixed), mask);
+}
+
+// Lanes that stand on or one above a multiple of 16384. The exact sum of a pixel differs from what the lines
+// give by at most 1/8 for the rounded product and 1/2 for the rounding to an integer, and is smaller by
+// up to 15/16 for what the integer weights lose: it lies between that - 25/16 and that + 5/8. So there,
+// and only there, the byte is in doubt.
+HWY_INLINE hn::Vec<Ints> InDoubtWhereZero(hn::Vec<Ints> mixed)
+{
+    return hn::And(mixed, hn::Set(Ints(), kSubpixelOne - 2));
+}
+
+// Writes a group's pixels; false where some are in doubt.
+HWY_INLINE bool MixGroup(uint8_t* dest, const LinePair& lines, int32_t at)
+{
+    const Ints ints;
+    const Bytes bytes;
+    alignas(16) static constexpr uint8_t kPixels[16] = {0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15};
+    const auto a = MixLines(lines, at), b = MixLines(lines, at + kLanes),
+               c = MixLines(lines, at + 2 * kLanes), d = MixLines(lines, at + 3 * kLanes);
+    const auto channels =
+        hn::Or(hn::Or(TakeByte<0>(a), TakeByte<1>(b)), hn::Or(TakeByte<2>(c), TakeByte<3>(d)));
+    hn::StoreU(hn::TableLookupBytes(hn::BitCast(bytes, channels), hn::LoadDup128(bytes, kPixels)), bytes,
+               dest);
+    const auto nearest = hn::Min(hn::Min(InDoubtWhereZero(a), InDoubtWhereZero(b)),
+                                 hn::Min(InDoubtWhereZero(c), InDoubtWhereZero(d)));
+    return lines.exact || hn::AllFalse(ints, hn::Eq(nearest, hn::Zero(ints)));
+}
+
+// Mixes the pixels of a group that are in doubt exactly.
+HWY_NOINLINE void SettleDoubts(uint8_t* dest, const LinePair& lines, const RowPair& rows, const Strip& strip,
+                               int32_t group)
+{
+    const Ints ints;
+    for (int32_t j = 0; j < 4; ++j) {
+        const auto mixed = MixLines(lines, 4 * group + j * kLanes);
+        uint8_t inDoubt[8]{};
+        hn::StoreMaskBits(ints, hn::Eq(InDoubtWhereZero(mixed), hn::Zero(ints)), inDoubt);
+        for (int32_t i = 0; i < kVectorPixels; ++i) {
+            const int32_t k = 4 * i + j;
+            if ((inDoubt[i / 2] >> (i % 2 * 4) & 15) != 0 && group + k < strip.count)
+                WriteMixed<BytePixel>(dest + BytePixel::kBytes * k, rows, strip.Taps(group + k));
+        }
+    }
+}
+
+void WriteGroups(uint8_t* dest, const LinePair& lines, const RowPair& rows, const Strip& strip, int32_t begin,
+                 int32_t end, int64_t ahead)
+{
+    HWY_ALIGN uint8_t part[BytePixel::kBytes * kGroup];
+    for (int32_t k = begin; k < end;) {
+        const int32_t group = k - k % kGroup, last = std::min(group + kGroup, end);
+        uint8_t* const at = dest + BytePixel::kBytes * int64_t(k);
+        uint8_t* const to = last - k == kGroup ? at : part;
+        hwy::Prefetch(at + ahead);
+        if (HWY_UNLIKELY(!MixGroup(to, lines, 4 * group)))
+            SettleDoubts(to, lines, rows, strip, group);
+        if (to == part)
+            std::memcpy(at, part + BytePixel::kBytes * (k - group), size_t(BytePixel::kBytes * (last - k)));
         k = last;
     }
 }
 
+// Mixes the columns first, once for each source row, and then the lines of them. The two lines in use are
+// kept, each in the place that its row's low bit says.
+void LinearByteBand(const ScaleJob& job, const Strip& strip, int32_t first, int32_t last)
+{
+    const Columns columns(strip, job.x.sourceSize);
+    HWY_ALIGN float lines[2][4 * kStripColumns];
+    int32_t kept[2] = {-1, -1};
+    const int32_t rowsAhead = std::max(job.y.step >> kSubpixelBits, 1);
+    const auto lineOf = [&](int32_t row) {
+        if (std::exchange(kept[row % 2], row) != row)
+            MixColumns(lines[row % 2], job.SourceRow(row), job.SourceRow(row + rowsAhead), columns);
+        return lines[row % 2];
+    };
+    ForRows<BytePixel>(job, strip, first, last,
+                       [&](uint8_t* dest, const RowPair& rows, int32_t y, int32_t begin, int32_t end) {
+                           const LinearTaps taps = LinearTapsAt(job.y, y);
+                           const float* const here = lineOf(taps.here);
+                           const LinePair pair{here, taps.fraction ? lineOf(taps.next) : here,
+                                               float(taps.fraction) * kSubpixelToPixel,
+                                               strip.onPixels || taps.fraction == 0};
+                           WriteGroups(dest, pair, rows, strip, begin, end, job.destStride);
+                       });
+}
+
+// One value a column, each spread over the lanes of its pixel.
+hn::Vec<Floats> SpreadColumns(hn::Vec<Floats> values)
+{
+    const Ints ints;
+    return hn::TableLookupLanes(values, hn::IndicesFromVec(Floats(), hn::ShiftRight<2>(hn::Iota(ints, 0))));
+}
+
 void LinearFloatRow(uint8_t* dest, const RowPair& rows, const Strip& strip, int32_t begin, int32_t end)
 {
-    const Lanes lanes;
+    const Floats lanes;
     const auto one = hn::Set(lanes, 1.0f);
     const auto fy = hn::Set(lanes, float(rows.fraction) * kSubpixelToPixel);
     const auto restY = hn::Sub(one, fy);
@@ -231,18 +351,26 @@ void LinearFloatRow(uint8_t* dest, const RowPair& rows, const Strip& strip, int3
     const auto* next = reinterpret_cast<const float*>(rows.next);
     int32_t k = begin;
     for (; k + kVectorPixels <= end; k += kVectorPixels) {
-        const auto fx = SpreadColumns(hn::LoadU(lanes, strip.fraction + k), 1, 0);
+        const auto fx = SpreadColumns(hn::LoadU(lanes, strip.fraction + k));
         const auto restX = hn::Sub(one, fx);
-        const auto c00 = GatherPixels<1>(lanes, here, strip.here + k, 4);
-        const auto c01 = GatherPixels<1>(lanes, here, strip.next + k, 4);
-        const auto c10 = GatherPixels<1>(lanes, next, strip.here + k, 4);
-        const auto c11 = GatherPixels<1>(lanes, next, strip.next + k, 4);
+        const auto c00 = GatherBlocks<1>(lanes, here, strip.here + k, 4);
+        const auto c01 = GatherBlocks<1>(lanes, here, strip.next + k, 4);
+        const auto c10 = GatherBlocks<1>(lanes, next, strip.here + k, 4);
+        const auto c11 = GatherBlocks<1>(lanes, next, strip.next + k, 4);
         auto sum = hn::Add(hn::Mul(c00, hn::Mul(restY, restX)), hn::Mul(c01, hn::Mul(restY, fx)));
         sum = hn::Add(sum, hn::Mul(c10, hn::Mul(fy, restX)));
         sum = hn::Add(sum, hn::Mul(c11, hn::Mul(fy, fx)));
         hn::StoreU(sum, lanes, reinterpret_cast<float*>(dest + int64_t(FloatPixel::kBytes) * k));
     }
     LinearRow<FloatPixel>(dest, rows, strip, k, end);
+}
+
+void LinearFloatBand(const ScaleJob& job, const Strip& strip, int32_t first, int32_t last)
+{
+    ForRows<FloatPixel>(job, strip, first, last,
+                        [&](uint8_t* dest, const RowPair& rows, int32_t, int32_t begin, int32_t end) {
+                            LinearFloatRow(dest, rows, strip, begin, end);
+                        });
 }
 
 } // namespace
@@ -255,31 +383,23 @@ HWY_AFTER_NAMESPACE();
 namespace vx {
 namespace {
 
-HWY_EXPORT(LinearByteRow);
-HWY_EXPORT(LinearFloatRow);
+HWY_EXPORT(LinearByteBand);
+HWY_EXPORT(LinearFloatBand);
 
 // Mixing a pixel takes about as long as copying it eight times.
 constexpr int64_t kWorkOfPixel = 8;
 
-template <class Pixel>
-void ScaleLinearPixels(const ScaleJob& job, LinearRowFn workRow)
+// Rows that a worker does one after the other: so many that it seldom mixes a line which the band above has
+// mixed too.
+constexpr int32_t kBandRows = 64;
+
+void ScaleLinearBy(const ScaleJob& job, LinearBandFn band, int32_t bytesPerPixel)
 {
     for (int32_t first = 0; first < job.x.count; first += kStripColumns) {
         const Strip strip(job.x, first);
-        const int64_t work = kWorkOfPixel * Pixel::kBytes * strip.count * job.y.count;
-        ParallelRows(job.y.count, work, [&](int32_t y) {
-            const LinearTaps taps = LinearTapsAt(job.y, y);
-            const RowPair rows{job.SourceRow(taps.here), job.SourceRow(taps.next), taps.fraction};
-            const int32_t coverage = job.y.Coverage(y);
-            uint8_t* const dest = job.DestRow(y) + int64_t(Pixel::kBytes) * (job.x.firstPixel + first);
-            ForColumns(
-                job, coverage, first, first + strip.count,
-                [&](int32_t k) {
-                    StorePixel(dest + int64_t(Pixel::kBytes) * (k - first),
-                               Mixed(Pixel(), rows, strip.Taps(k - first)),
-                               EdgeCoverage(Pixel(), job.x.Coverage(k), coverage));
-                },
-                [&](int32_t begin, int32_t end) { workRow(dest, rows, strip, begin - first, end - first); });
+        const int64_t work = kWorkOfPixel * bytesPerPixel * strip.count * job.y.count;
+        ParallelRows((job.y.count + kBandRows - 1) / kBandRows, work, [&](int32_t i) {
+            band(job, strip, i * kBandRows, std::min((i + 1) * kBandRows, job.y.count));
         });
     }
 }
@@ -289,9 +409,9 @@ void ScaleLinearPixels(const ScaleJob& job, LinearRowFn workRow)
 void ScaleLinear(const ScaleJob& job, int32_t bytesPerPixel)
 {
     if (bytesPerPixel == BytePixel::kBytes)
-        ScaleLinearPixels<BytePixel>(job, VX_VECTOR_FORM(LinearByteRow, LinearRow<BytePixel>));
+        ScaleLinearBy(job, VX_VECTOR_FORM(LinearByteBand, LinearBand<BytePixel>), bytesPerPixel);
     else
-        ScaleLinearPixels<FloatPixel>(job, VX_VECTOR_FORM(LinearFloatRow, LinearRow<FloatPixel>));
+        ScaleLinearBy(job, VX_VECTOR_FORM(LinearFloatBand, LinearBand<FloatPixel>), bytesPerPixel);
 }
 
 } // namespace vx

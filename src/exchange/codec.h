@@ -315,6 +315,12 @@ struct Rgb565Codec
     }
 };
 
+// A word of two halves, so that vectors work on 16 bits up to here.
+HWY_INLINE uint32_t WordOfHalves(int32_t low, int32_t high)
+{
+    return uint16_t(low) | uint32_t(uint16_t(high)) << 16;
+}
+
 struct Rgb101010Codec
 {
     static constexpr Shape kShape = Shape::Word;
@@ -327,8 +333,8 @@ struct Rgb101010Codec
     }
     HWY_INLINE static uint32_t Encode(const Pixel16& p, const WriteContext&)
     {
-        return uint32_t(p.red >> 6) << 20 | uint32_t(p.green >> 6) << 10 | uint32_t(p.blue >> 6) |
-               uint32_t(p.alpha >> 14) << 30;
+        return WordOfHalves(p.blue >> 6 | (p.green << 4 & 0xFC00),
+                            p.green >> 12 | (p.red >> 2 & 0x3FF0) | (p.alpha & 0xC000));
     }
 };
 
@@ -349,7 +355,7 @@ struct Bytes3Codec : OpaqueBytes<Bytes3Codec>
     }
     HWY_INLINE static uint32_t Encode(const Pixel16& p, const WriteContext&)
     {
-        return uint32_t(p.blue >> 8) | uint32_t(p.green >> 8) << 8 | uint32_t(p.red >> 8) << 16;
+        return WordOfHalves(p.blue >> 8 | (p.green & 0xFF00), p.red >> 8);
     }
 };
 
@@ -365,6 +371,22 @@ struct Bytes3At8Codec
     HWY_INLINE static uint32_t Encode(const Pixel8& p, const WriteContext&)
     {
         return BytesOfPixel(p); // alpha is not stored
+    }
+};
+
+// Blue, green, red and alpha bytes, as a word.
+struct Bytes4Word
+{
+    template <bool kExact>
+    HWY_INLINE static Pixel16 Decode(uint32_t p, const ReadContext& context)
+    {
+        Pixel16 pixel = Bytes3Codec::Decode<kExact>(p, context);
+        pixel.alpha = WidenByte<kExact>(p >> 24);
+        return pixel;
+    }
+    HWY_INLINE static uint32_t Encode(const Pixel16& p, const WriteContext&)
+    {
+        return WordOfHalves(p.blue >> 8 | (p.green & 0xFF00), p.red >> 8 | (p.alpha & 0xFF00));
     }
 };
 
@@ -434,6 +456,7 @@ struct CodecOf : Form
     static constexpr int32_t kType = kPixelType;
     static constexpr int32_t kBits = PixelTypeInfoOf(kPixelType).bits;
     static constexpr bool kIsFloat = kPixelType == VXPIXEL_GRAY32 || kPixelType == VXPIXEL_RGBA128;
+    static constexpr bool kHasAlpha = kPixelType >= VXPIXEL_RGB32; // from there on all have
     using Channel = TheChannel;
     using Working = Pixel<Channel>;
     using Word = TheWord;

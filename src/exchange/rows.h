@@ -24,6 +24,13 @@ struct alignas(64) RunBuffer
     uint8_t bytes[size_t(kRunPixels) * 16];
 };
 
+// The 16-bit channels of a run apart from each other, which vectors take as they are. A copy that needs no
+// working pixels goes this way between types that have it.
+struct RunPlanes
+{
+    alignas(64) uint16_t blue[kRunPixels], green[kRunPixels], red[kRunPixels], alpha[kRunPixels];
+};
+
 constexpr size_t WorkingPixelBytes(int32_t depth)
 {
     return size_t(4) << depth;
@@ -50,11 +57,18 @@ using SampleRunFn = void (*)(void* pixels, const SampleRow& from, int32_t count,
 using WriteRunFn = void (*)(uint8_t* row, int64_t bit, const void* pixels, int32_t count,
                             const tVXXCHG& record);
 
+// At most kRunPixels, the first of which begins a byte.
+using ReadPlanesFn = void (*)(RunPlanes& planes, const uint8_t* at, int32_t count, const tVXXCHG& record);
+using WritePlanesFn = void (*)(uint8_t* at, const RunPlanes& planes, int32_t count, const tVXXCHG& record);
+
 struct RunKernels
 {
     ReadRunFn read;
     SampleRunFn sample;
     WriteRunFn write;
+    ReadPlanesFn readPlanes; // null where the depth or the type has no planes
+    WritePlanesFn writePlanes;
+    bool sourceIsWorking, destIsWorking; // memory holds working pixels: reading or writing is copying
 };
 
 // The kernels that belong to a record which VxXCHGGetFunctionPointers has filled.

@@ -6,46 +6,46 @@
 #pragma once
 
 #include "exchange/codec.h"
+#include "exchange/rows.h"
 
 #include <algorithm>
 #include <array>
 
 namespace vx {
 
-constexpr int32_t kBlock = 64; // pixels; a multiple of what any vector holds
+constexpr int32_t kBlock = kRunPixels; // a multiple of what any vector holds
 
-struct Planes
+HWY_INLINE void SetPixel(RunPlanes& planes, int32_t i, const Pixel16& pixel)
 {
-    alignas(64) uint16_t blue[kBlock], green[kBlock], red[kBlock], alpha[kBlock];
+    planes.blue[i] = pixel.blue;
+    planes.green[i] = pixel.green;
+    planes.red[i] = pixel.red;
+    planes.alpha[i] = pixel.alpha;
+}
 
-    HWY_INLINE void Set(int32_t i, const Pixel16& pixel)
-    {
-        blue[i] = pixel.blue;
-        green[i] = pixel.green;
-        red[i] = pixel.red;
-        alpha[i] = pixel.alpha;
-    }
-    HWY_INLINE Pixel16 At(int32_t i) const { return {blue[i], green[i], red[i], alpha[i]}; }
-};
+HWY_INLINE Pixel16 PixelAt(const RunPlanes& planes, int32_t i)
+{
+    return {planes.blue[i], planes.green[i], planes.red[i], planes.alpha[i]};
+}
 
 // The steps that no compiler makes good vectors of. They do the pixels from first to n, which is at
 // most kBlock, and touch no byte of others.
 struct PlainSteps
 {
-    static void Interleave(Pixel16* out, const Planes& planes, int32_t first, int32_t n)
+    static void Interleave(Pixel16* out, const RunPlanes& planes, int32_t first, int32_t n)
     {
         for (int32_t i = first; i < n; ++i)
-            out[i] = planes.At(i);
+            out[i] = PixelAt(planes, i);
     }
     static void InterleaveGray(Pixel16* out, const uint16_t* gray, int32_t first, int32_t n)
     {
         for (int32_t i = first; i < n; ++i)
             out[i] = GrayPixel(gray[i]);
     }
-    static void Separate(Planes& planes, const Pixel16* in, int32_t first, int32_t n)
+    static void Separate(RunPlanes& planes, const Pixel16* in, int32_t first, int32_t n)
     {
         for (int32_t i = first; i < n; ++i)
-            planes.Set(i, in[i]);
+            SetPixel(planes, i, in[i]);
     }
     static void Load24(uint32_t* words, const uint8_t* p, int32_t first, int32_t n)
     {
@@ -119,6 +119,17 @@ template <class TheCodec>
 using BlockWord = std::conditional_t<TheCodec::kShape == Shape::Gray && TheCodec::kBits <= 16, uint16_t,
                                      typename TheCodec::Word>;
 
+// Never inlined, and so not compiled for vector targets: loads one by one beat the processors' own
+// gathering.
+template <class Index>
+HWY_NOINLINE void LoadEntries(uint32_t* __restrict entries, const Index* __restrict indexes, int32_t n,
+                              const ReadContext& context)
+{
+    const uint8_t* const palette = context.palette;
+    for (int32_t i = 0; i < n; ++i)
+        std::memcpy(entries + i, palette + 4 * size_t(indexes[i]), sizeof(*entries));
+}
+
 // Words of a block of pixels; palette types give the table's entries.
 template <class TheCodec, class Steps>
 HWY_INLINE void LoadWords(BlockWord<TheCodec>* __restrict words, const uint8_t* __restrict p, int32_t n,
@@ -127,14 +138,11 @@ HWY_INLINE void LoadWords(BlockWord<TheCodec>* __restrict words, const uint8_t* 
     constexpr int32_t kBits = TheCodec::kBits;
     if constexpr (kBits == 24)
         Steps::Load24(words, p, 0, n);
+    else if constexpr (TheCodec::kShape == Shape::Palette)
+        LoadEntries(words, p, n, context);
     else
-        for (int32_t i = 0; i < n; ++i) {
-            const auto word = TheCodec::Place::Load(p + i * (kBits / 8), 0);
-            if constexpr (TheCodec::kShape == Shape::Palette)
-                words[i] = EntryOf(word, context);
-            else
-                words[i] = BlockWord<TheCodec>(word);
-        }
+        for (int32_t i = 0; i < n; ++i)
+            words[i] = BlockWord<TheCodec>(TheCodec::Place::Load(p + i * (kBits / 8), 0));
 }
 
 // The same for types below a byte.
@@ -148,12 +156,20 @@ HWY_INLINE void UnpackWords(BlockWord<TheCodec>* __restrict words, const uint8_t
     Bits::Unpack(fields, p, bytes);
     for (int32_t i = bytes * Bits::kPixels; i < n; ++i)
         fields[i] = uint16_t(TheCodec::Place::Load(p + bytes, uint32_t(i % Bits::kPixels * TheCodec::kBits)));
-    for (int32_t i = 0; i < n; ++i) {
-        if constexpr (TheCodec::kShape == Shape::Palette)
-            words[i] = EntryOf(fields[i], context);
-        else
-            words[i] = fields[i];
-    }
+    if constexpr (TheCodec::kShape == Shape::Palette)
+        LoadEntries(words, fields, n, context);
+    else
+        std::copy_n(fields, n, words);
+}
+
+template <class TheCodec, class Steps>
+HWY_INLINE void ReadWords(BlockWord<TheCodec>* __restrict words, const uint8_t* __restrict p, int32_t n,
+                          const ReadContext& context)
+{
+    if constexpr (TheCodec::kBits < 8)
+        UnpackWords<TheCodec>(words, p, n, context);
+    else
+        LoadWords<TheCodec, Steps>(words, p, n, context);
 }
 
 template <class TheCodec, bool kExact, class Word>
@@ -198,9 +214,9 @@ HWY_INLINE void DecodeWords(typename TheCodec::Working* __restrict out, const Wo
     } else if constexpr (kHasOpaqueBytes<TheCodec>) {
         DecodeOpaqueBytes<TheCodec, kExact>(out, words, n);
     } else {
-        Planes planes;
+        RunPlanes planes;
         for (int32_t i = 0; i < n; ++i)
-            planes.Set(i, DecodeWord<TheCodec, kExact>(words[i], context));
+            SetPixel(planes, i, DecodeWord<TheCodec, kExact>(words[i], context));
         Steps::Interleave(out, planes, 0, n);
     }
 }
@@ -210,10 +226,7 @@ HWY_INLINE void ReadBlock(typename TheCodec::Working* __restrict out, const uint
                           const ReadContext& context)
 {
     alignas(64) BlockWord<TheCodec> words[kBlock];
-    if constexpr (TheCodec::kBits < 8)
-        UnpackWords<TheCodec>(words, p, n, context);
-    else
-        LoadWords<TheCodec, Steps>(words, p, n, context);
+    ReadWords<TheCodec, Steps>(words, p, n, context);
     DecodeWords<TheCodec, kExact, Steps>(out, words, n, context);
 }
 
@@ -296,7 +309,12 @@ HWY_INLINE void ReadRun(void* pixels, const uint8_t* row, int64_t bit, int32_t c
     ReadAligned<TheCodec, kExact, Steps>(out, p, count, context);
 }
 
-// Words of a block of pixels that At(i) gives.
+HWY_INLINE const Pixel8& PixelAt(const Pixel8* pixels, int32_t i)
+{
+    return pixels[i];
+}
+
+// Words of a block of pixels that PixelAt gives.
 template <class TheCodec, class Word, class Pixels>
 HWY_INLINE void EncodeWords(Word* __restrict words, const Pixels& pixels, int32_t n,
                             const WriteContext& context)
@@ -304,21 +322,14 @@ HWY_INLINE void EncodeWords(Word* __restrict words, const Pixels& pixels, int32_
     if constexpr (TheCodec::kShape == Shape::Palette) {
         alignas(64) uint16_t cells[kBlock];
         for (int32_t i = 0; i < n; ++i)
-            cells[i] = TheCodec::CellOf(pixels.At(i));
+            cells[i] = TheCodec::CellOf(PixelAt(pixels, i));
         for (int32_t i = 0; i < n; ++i)
             words[i] = context.map[cells[i]];
     } else {
         for (int32_t i = 0; i < n; ++i)
-            words[i] = Word(TheCodec::Encode(pixels.At(i), context));
+            words[i] = Word(TheCodec::Encode(PixelAt(pixels, i), context));
     }
 }
-
-struct WorkingBytes
-{
-    const Pixel8* pixels;
-
-    HWY_INLINE const Pixel8& At(int32_t i) const { return pixels[i]; }
-};
 
 // Words of a block to memory, from the start of a byte on.
 template <class TheCodec, class Steps, class Word>
@@ -338,20 +349,28 @@ HWY_INLINE void StoreWords(uint8_t* __restrict p, const Word* __restrict words, 
     }
 }
 
-template <class TheCodec, class Steps>
-HWY_INLINE void WriteBlock(uint8_t* __restrict p, const typename TheCodec::Working* __restrict in, int32_t n,
+// Pixels that PixelAt gives, as words to memory.
+template <class TheCodec, class Steps, class Pixels>
+HWY_INLINE void WriteWords(uint8_t* __restrict p, const Pixels& pixels, int32_t n,
                            const WriteContext& context)
 {
     using Word = std::conditional_t<TheCodec::kBits <= 8, uint8_t, typename TheCodec::Word>;
     alignas(64) Word words[kBlock];
-    if constexpr (std::is_same_v<typename TheCodec::Working, Pixel8>) {
-        EncodeWords<TheCodec>(words, WorkingBytes{in}, n, context);
-    } else {
-        Planes planes;
-        Steps::Separate(planes, in, 0, n);
-        EncodeWords<TheCodec>(words, planes, n, context);
-    }
+    EncodeWords<TheCodec>(words, pixels, n, context);
     StoreWords<TheCodec, Steps>(p, words, n);
+}
+
+template <class TheCodec, class Steps>
+HWY_INLINE void WriteBlock(uint8_t* __restrict p, const typename TheCodec::Working* __restrict in, int32_t n,
+                           const WriteContext& context)
+{
+    if constexpr (std::is_same_v<typename TheCodec::Working, Pixel8>) {
+        WriteWords<TheCodec, Steps>(p, in, n, context);
+    } else {
+        RunPlanes planes;
+        Steps::Separate(planes, in, 0, n);
+        WriteWords<TheCodec, Steps>(p, planes, n, context);
+    }
 }
 
 template <class TheCodec>
@@ -398,6 +417,55 @@ HWY_INLINE void WriteRun(uint8_t* row, int64_t bit, const void* pixels, int32_t 
     } else {
         context.curve = nullptr;
         WriteAligned<TheCodec, Steps>(p, in, count, context);
+    }
+}
+
+// Types whose pixels come apart into planes at no cost to speak of.
+template <class TheCodec>
+constexpr bool kHasPlanes = std::is_same_v<typename TheCodec::Working, Pixel16> &&
+                            (TheCodec::kShape == Shape::Word || TheCodec::kShape == Shape::Gray ||
+                             TheCodec::kShape == Shape::Palette ||
+                             std::is_same_v<typename TheCodec::Word, Pixel8>);
+
+template <class TheCodec, bool kExact, class Steps>
+HWY_INLINE void ReadPlanes(RunPlanes& planes, const uint8_t* __restrict p, int32_t n, const tVXXCHG& x)
+{
+    const ReadContext context = ReadContextOf(x);
+    if constexpr (TheCodec::kShape == Shape::Channels) {
+        for (int32_t i = 0; i < n; ++i) {
+            const uint32_t word = Memory<32, uint32_t>::Load(p + 4 * i, 0);
+            SetPixel(planes, i, Bytes4Word::Decode<kExact>(word, context));
+        }
+        return;
+    } else if constexpr (TheCodec::kIsFloat) {
+        if (!context.curve) {
+            alignas(64) uint16_t gray[kBlock];
+            Steps::WordsOfFloats(gray, p, 0, n);
+            for (int32_t i = 0; i < n; ++i)
+                SetPixel(planes, i, GrayPixel(gray[i]));
+            return;
+        }
+    }
+    if constexpr (TheCodec::kShape != Shape::Channels) {
+        alignas(64) BlockWord<TheCodec> words[kBlock];
+        ReadWords<TheCodec, Steps>(words, p, n, context);
+        for (int32_t i = 0; i < n; ++i)
+            SetPixel(planes, i, DecodeWord<TheCodec, kExact>(words[i], context));
+    }
+}
+
+template <class TheCodec, class Steps>
+HWY_INLINE void WritePlanes(uint8_t* __restrict p, const RunPlanes& planes, int32_t n, const tVXXCHG& x)
+{
+    WriteContext context = WriteContextOf(x);
+    if constexpr (TheCodec::kShape == Shape::Channels) {
+        for (int32_t i = 0; i < n; ++i)
+            Memory<32, uint32_t>::Store(p + 4 * i, 0, Bytes4Word::Encode(PixelAt(planes, i), context));
+    } else if (TheCodec::kIsFloat && context.curve) {
+        WriteWords<TheCodec, Steps>(p, planes, n, context);
+    } else {
+        context.curve = nullptr; // leaves a loop without a call
+        WriteWords<TheCodec, Steps>(p, planes, n, context);
     }
 }
 

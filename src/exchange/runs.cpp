@@ -22,9 +22,11 @@ struct RunTable
 {
     std::array<std::array<ReadRunFn, kTypes>, kKernelRows> read{};
     std::array<std::array<WriteRunFn, kTypes>, kKernelRows> write{};
+    std::array<std::array<ReadPlanesFn, kTypes>, kKernelRows> readPlanes{};
+    std::array<std::array<WritePlanesFn, kTypes>, kKernelRows> writePlanes{};
 };
 
-// Kernels has Read<codec, exact> and Write<codec>.
+// Kernels has Read<codec, exact>, Write<codec> and the same for planes.
 template <class Kernels, int32_t kRow, int32_t kType>
 constexpr void EnterRuns(RunTable& table)
 {
@@ -32,6 +34,10 @@ constexpr void EnterRuns(RunTable& table)
         using TheCodec = Codec<kType, ChannelOfRow<kRow>>;
         table.read[kRow][kType - kFirstType] = Kernels::template Read<TheCodec, kRow % 2 == 1>;
         table.write[kRow][kType - kFirstType] = Kernels::template Write<TheCodec>;
+        if constexpr (kHasPlanes<TheCodec>) {
+            table.readPlanes[kRow][kType - kFirstType] = Kernels::template ToPlanes<TheCodec, kRow % 2 == 1>;
+            table.writePlanes[kRow][kType - kFirstType] = Kernels::template FromPlanes<TheCodec>;
+        }
     }
 }
 
@@ -59,6 +65,16 @@ struct PlainKernels
     {
         WriteRun<TheCodec, PlainSteps>(row, bit, pixels, count, x);
     }
+    template <class TheCodec, bool kExact>
+    static void ToPlanes(RunPlanes& planes, const uint8_t* at, int32_t count, const tVXXCHG& x)
+    {
+        ReadPlanes<TheCodec, kExact, PlainSteps>(planes, at, count, x);
+    }
+    template <class TheCodec>
+    static void FromPlanes(uint8_t* at, const RunPlanes& planes, int32_t count, const tVXXCHG& x)
+    {
+        WritePlanes<TheCodec, PlainSteps>(at, planes, count, x);
+    }
 };
 
 const RunTable* PlainRuns()
@@ -85,7 +101,7 @@ using Lanes16 = hn::CappedTag<uint16_t, 16>;
 // The steps of PlainSteps, which do what remains of a block. They begin at its first pixel.
 struct VectorSteps
 {
-    static void Interleave(Pixel16* out, const Planes& planes, int32_t, int32_t n)
+    static void Interleave(Pixel16* out, const RunPlanes& planes, int32_t, int32_t n)
     {
         const Lanes16 lanes;
         const int32_t step = int32_t(hn::Lanes(lanes));
@@ -108,7 +124,7 @@ struct VectorSteps
         }
         PlainSteps::InterleaveGray(out, gray, i, n);
     }
-    static void Separate(Planes& planes, const Pixel16* in, int32_t, int32_t n)
+    static void Separate(RunPlanes& planes, const Pixel16* in, int32_t, int32_t n)
     {
         const Lanes16 lanes;
         const int32_t step = int32_t(hn::Lanes(lanes));
@@ -184,6 +200,16 @@ struct VectorKernels
     {
         WriteRun<TheCodec, VectorSteps>(row, bit, pixels, count, x);
     }
+    template <class TheCodec, bool kExact>
+    static void ToPlanes(RunPlanes& planes, const uint8_t* at, int32_t count, const tVXXCHG& x)
+    {
+        ReadPlanes<TheCodec, kExact, VectorSteps>(planes, at, count, x);
+    }
+    template <class TheCodec>
+    static void FromPlanes(uint8_t* at, const RunPlanes& planes, int32_t count, const tVXXCHG& x)
+    {
+        WritePlanes<TheCodec, VectorSteps>(at, planes, count, x);
+    }
 };
 
 const RunTable* VectorRuns()
@@ -243,6 +269,28 @@ constexpr SampleTable MakeSampleTable(std::integer_sequence<int32_t, kIndex...>)
 
 constexpr SampleTable kSamples = MakeSampleTable(std::make_integer_sequence<int32_t, kKernelRows * kTypes>());
 
+template <int32_t... kIndex>
+constexpr auto MakeWorkingTable(std::integer_sequence<int32_t, kIndex...>)
+{
+    std::array<std::array<bool, kTypes>, kKernelRows> table{};
+    ((table[kIndex / kTypes][kIndex % kTypes] =
+          [] {
+              if constexpr (RowServes(kIndex / kTypes, kFirstType + kIndex % kTypes))
+                  return Codec<kFirstType + kIndex % kTypes, ChannelOfRow<kIndex / kTypes>>::kShape ==
+                         Shape::Same;
+              return false;
+          }()),
+     ...);
+    return table;
+}
+
+bool HoldsWorking(int32_t row, int32_t type)
+{
+    static constexpr auto kTable =
+        MakeWorkingTable(std::make_integer_sequence<int32_t, kKernelRows * kTypes>());
+    return kTable[size_t(row)][size_t(type - kFirstType)];
+}
+
 } // namespace
 
 HWY_EXPORT(VectorRuns);
@@ -252,7 +300,13 @@ RunKernels SelectRuns(const tVXXCHG& record)
     const RunTable& runs = *VX_VECTOR_FORM(VectorRuns, PlainRuns)();
     const size_t row = size_t(KernelRow(record.depth, record.flags));
     const size_t source = size_t(record.sourceType - kFirstType), dest = size_t(record.destType - kFirstType);
-    return {runs.read[row][source], kSamples[row][source], runs.write[row][dest]};
+    return {runs.read[row][source],
+            kSamples[row][source],
+            runs.write[row][dest],
+            runs.readPlanes[row][source],
+            runs.writePlanes[row][dest],
+            HoldsWorking(int32_t(row), record.sourceType),
+            HoldsWorking(int32_t(row), record.destType)};
 }
 
 } // namespace vx

@@ -2,6 +2,7 @@
 #include "files/path.h"
 #include "vx/path.h"
 #include "vx/platform/files.h"
+#include "vx/platform/module.h"
 
 namespace {
 

@@ -88,10 +88,8 @@ ModulePointer OpenFile(const std::string& path, bool resourcesAlone)
         SayWhyNotLoaded();
         return Fail(ERROR_MOD_NOT_FOUND);
     }
-    auto data = std::make_shared<Module>(std::move(file), path);
-    if (data->IsModule())
-        return data;
-    return Fail(ERROR_BAD_EXE_FORMAT);
+    ModulePointer data(new Module(std::move(file), path));
+    return data->IsModule() ? data : Fail(ERROR_BAD_EXE_FORMAT);
 }
 
 ModulePointer OpenFromSystem(const std::u16string& file)

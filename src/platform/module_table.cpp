@@ -84,7 +84,7 @@ std::string FileName(const std::string& path)
     return path.substr(path.rfind('/') + 1);
 }
 
-// Beside libtools.so.2 it is libtools.res, beside tools.dll tools.res.
+// Beside libtools.so.2 it is libtools.res, beside host and host.run host.res.
 std::string PathOfResourceFile(const std::string& path)
 {
     const size_t start = path.rfind('/') + 1;
@@ -110,7 +110,7 @@ ModulePointer ModuleOfCode(void* code)
         dlclose(code);
         return known;
     }
-    return std::make_shared<Module>(base, code, PathOfLoaded(map->l_name));
+    return ModulePointer(new Module(base, code, PathOfLoaded(map->l_name)));
 }
 
 // Knows from now on what others loaded. The reference keeps its address from being another's.

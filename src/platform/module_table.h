@@ -6,10 +6,12 @@
 #include "vx/platform/lasterror.h"
 #include "vx/platform/module.h"
 
-#include <memory>
+#include <atomic>
+#include <cstddef>
 #include <new>
 #include <string>
 #include <type_traits>
+#include <utility>
 
 namespace vxplatform {
 
@@ -38,8 +40,10 @@ public:
     void* Export(const char* name) const;
 
 private:
+    friend class ModulePointer;
     void OpenResources();
 
+    mutable std::atomic<uint32_t> references_{0};
     HMODULE handle_;
     void* code_ = nullptr; // what dlopen gave
     std::string path_;
@@ -49,7 +53,36 @@ private:
     ResourceImage resources_;
 };
 
-using ModulePointer = std::shared_ptr<const Module>;
+// A counted reference. (The standard one would show symbols of its own in the library.)
+class ModulePointer
+{
+public:
+    ModulePointer(std::nullptr_t = nullptr) {}
+    explicit ModulePointer(const Module* module) : module_(module)
+    {
+        if (module_)
+            module_->references_.fetch_add(1, std::memory_order_relaxed);
+    }
+    ModulePointer(const ModulePointer& other) : ModulePointer(other.module_) {}
+    ModulePointer(ModulePointer&& other) noexcept : module_(std::exchange(other.module_, nullptr)) {}
+    ModulePointer& operator=(ModulePointer other) noexcept
+    {
+        std::swap(module_, other.module_);
+        return *this;
+    }
+    ~ModulePointer()
+    {
+        if (module_ && module_->references_.fetch_sub(1, std::memory_order_acq_rel) == 1)
+            delete module_;
+    }
+
+    const Module& operator*() const { return *module_; }
+    const Module* operator->() const { return module_; }
+    explicit operator bool() const { return module_ != nullptr; }
+
+private:
+    const Module* module_ = nullptr;
+};
 
 // What GetModuleFileNameW(null) names.
 ModulePointer Executable();

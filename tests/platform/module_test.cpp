@@ -16,6 +16,12 @@ extern "C" VX_VISIBLE intptr_t VxTest_OfExecutable()
     return 7;
 }
 
+// The thread sanitizer does not see the lock under which the system's loader allocates and frees.
+extern "C" const char* __tsan_default_suppressions()
+{
+    return "race:_dl_close_worker\n";
+}
+
 namespace {
 
 std::u16string PathOf(HMODULE module)

@@ -20,10 +20,10 @@
  *
  * Resources have a type, a name and a language. Types and names are numbers or texts: a pointer below
  * 0x10000 is a number (MAKEINTRESOURCEW), a text of '#' and decimal digits stands for that number, and
- * the case of other texts does not count. Languages are the low 16 bits of an LCID. Every offset within a
- * file is checked: of a damaged file only what is whole is found. The bytes of a resource are at most
- * 4-byte aligned, and those of a damaged file not at all; they are read only, and live as long as the
- * module is loaded.
+ * the case of other texts does not count; PE files name theirs with up to 255 characters. Languages are
+ * the low 16 bits of an LCID. Every offset within a file is checked: of a damaged file only what is whole
+ * is found. The bytes of a resource are at most 4-byte aligned, and those of a damaged file not at all;
+ * they are read only, and live as long as the module is loaded.
  *
  * A failing function returns null, 0 or FALSE and sets the last error (lasterror.h). Any thread may call
  * at any time. */
