@@ -11,5 +11,6 @@ void AddCompositeWorks(Suite& suite);
 void AddListWorks(Suite& suite);
 void AddTextWorks(Suite& suite);
 void AddTimeWorks(Suite& suite);
+void AddSettingsWorks(Suite& suite);
 
 } // namespace vxbench

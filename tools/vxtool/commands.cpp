@@ -10,9 +10,9 @@ namespace vxtool {
 namespace {
 
 constexpr const Command* kCommands[] = {
-    &kInfo,      &kFlip,  &kSwap,  &kChannel,   &kBars,     &kRamp,  &kZone,  &kChecker,
-    &kFill,      &kLut,   &kMap,   &kThreshold, &kMultiply, &kMask,  &kBlend, &kFade,
-    &kComposite, &kSheet, &kPrint, &kNumber,    &kTimecode, &kRuler,
+    &kInfo,      &kFlip,  &kSwap,  &kChannel,   &kBars,     &kRamp,  &kZone,     &kChecker,
+    &kFill,      &kLut,   &kMap,   &kThreshold, &kMultiply, &kMask,  &kBlend,    &kFade,
+    &kComposite, &kSheet, &kPrint, &kNumber,    &kTimecode, &kRuler, &kSettings,
 };
 
 std::string Overview()

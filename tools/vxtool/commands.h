@@ -13,6 +13,7 @@ extern const Command kMultiply, kMask;
 extern const Command kLut, kMap, kThreshold;
 extern const Command kSheet;
 extern const Command kPrint, kNumber, kTimecode, kRuler;
+extern const Command kSettings;
 
 // In the order of the help.
 std::span<const Command* const> AllCommands();
