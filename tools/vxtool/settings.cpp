@@ -319,7 +319,7 @@ constexpr Option kSettingsOptions[] = {
 const Command kSettings = {
     "settings",
     "get, set, list, delete or export what applications keep",
-    "get KEY NAME | set KEY NAME VALUE... | list [KEY] | delete KEY [NAME] | export [KEY]",
+    "get KEY NAME|set KEY NAME VALUE...|list [KEY]|delete KEY [NAME]|export [KEY]",
     1,
     SIZE_MAX,
     kSettingsOptions,
