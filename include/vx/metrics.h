@@ -24,6 +24,7 @@
 
 #include "vx/platform/registry.h"
 #include "vx/platform/stream.h"
+#include "vx/print.h" /* VX_E_BUFFERTOSMALL */
 #include "vx/types.h"
 
 /* "The item was not found." */

@@ -1,7 +1,6 @@
 #include "persist/metric.h"
 
 #include "vx/numbers.h"
-#include "vx/print.h"
 
 #include <algorithm>
 #include <cstring>

@@ -2,7 +2,6 @@
 #include "persist/metric.h"
 #include "vx/platform/heap.h"
 #include "vx/platform/memory.h"
-#include "vx/print.h"
 
 #include <algorithm>
 #include <memory>

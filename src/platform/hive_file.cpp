@@ -36,8 +36,8 @@ constexpr const char* kQueries[] = {
     "DELETE FROM keys WHERE id = ?1",
     "DELETE FROM entries WHERE key = ?1",
     "SELECT type, data FROM entries WHERE key = ?1 AND folded = ?2",
-    "INSERT INTO entries SELECT ?1, ?2, ?3, ?4, ?5 WHERE EXISTS (SELECT 1 FROM keys WHERE id = ?1) "
-    "ON CONFLICT DO UPDATE SET type = excluded.type, data = excluded.data",
+    ("INSERT INTO entries SELECT ?1, ?2, ?3, ?4, ?5 WHERE EXISTS (SELECT 1 FROM keys WHERE id = ?1) "
+     "ON CONFLICT DO UPDATE SET type = excluded.type, data = excluded.data"),
     "DELETE FROM entries WHERE key = ?1 AND folded = ?2",
     "SELECT name FROM keys WHERE parent = ?1 ORDER BY folded LIMIT 1 OFFSET ?2",
     "SELECT name, type, data FROM entries WHERE key = ?1 ORDER BY folded LIMIT 1 OFFSET ?2",

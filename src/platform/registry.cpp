@@ -2,12 +2,9 @@
 
 #include "platform/hive.h"
 
-#include <array>
-#include <atomic>
 #include <mutex>
 #include <new>
 #include <pthread.h>
-#include <shared_mutex>
 #include <string_view>
 #include <unordered_map>
 
@@ -43,7 +40,7 @@ public:
             return {&user_, kRootKey, KEY_ALL_ACCESS};
         if (handle == HKEY_LOCAL_MACHINE)
             return {&machine_, kRootKey, KEY_ALL_ACCESS};
-        const std::shared_lock lock(mutex_);
+        const std::lock_guard lock(mutex_);
         const auto found = keys_.find(handle);
         if (found == keys_.end())
             throw HiveFailure{ERROR_INVALID_HANDLE};
@@ -53,7 +50,7 @@ public:
     // Handles are never used again.
     HKEY Enter(const OpenKey& key)
     {
-        const std::unique_lock lock(mutex_);
+        const std::lock_guard lock(mutex_);
         const HKEY handle = reinterpret_cast<HKEY>(++lastSerial_ * 4);
         keys_.emplace(handle, key);
         return handle;
@@ -63,7 +60,7 @@ public:
     {
         if (handle == HKEY_CURRENT_USER || handle == HKEY_LOCAL_MACHINE)
             return;
-        const std::unique_lock lock(mutex_);
+        const std::lock_guard lock(mutex_);
         if (keys_.erase(handle) == 0)
             throw HiveFailure{ERROR_INVALID_HANDLE};
     }
@@ -88,7 +85,7 @@ private:
     }
 
     Hive user_{"user.hive"}, machine_{"machine.hive"};
-    std::shared_mutex mutex_; // of what follows
+    std::mutex mutex_; // of what follows. A child may unlock it, which it may not a lock for readers
     std::unordered_map<HKEY, OpenKey> keys_;
     uintptr_t lastSerial_ = 0;
 };

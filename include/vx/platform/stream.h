@@ -93,7 +93,7 @@ typedef struct IStreamVtbl
     HRESULT (*Write)(IStream* self, const void* data, ULONG bytes, ULONG* bytesWritten);
     HRESULT (*Seek)(IStream* self, LARGE_INTEGER move, DWORD origin, ULARGE_INTEGER* newPosition);
     HRESULT (*SetSize)(IStream* self, ULARGE_INTEGER size);
-    HRESULT (*CopyTo)
+    HRESULT(*CopyTo)
     (IStream* self, IStream* other, ULARGE_INTEGER bytes, ULARGE_INTEGER* bytesRead,
      ULARGE_INTEGER* bytesWritten);
     HRESULT (*Commit)(IStream* self, DWORD flags);
