@@ -144,8 +144,9 @@ TEST(Scale, GivesTheModelForAnyRatio)
 {
     Random random(2);
     const std::vector<VectorLevel> levels = AllLevels();
-    constexpr SIZE kFrom[] = {{96, 5}, {61, 40}, {7, 9}, {300, 3}, {64, 64}, {128, 66}};
-    constexpr SIZE kTo[] = {{70, 6}, {128, 7}, {16, 10}, {33, 33}, {1, 2}, {70, 40}};
+    // Boxes of 2 and 4 pixels have many halves; those of more than 11 by 11 sum in two parts.
+    constexpr SIZE kFrom[] = {{96, 5}, {61, 40}, {7, 9}, {300, 130}, {64, 64}, {128, 66}};
+    constexpr SIZE kTo[] = {{70, 6}, {128, 7}, {16, 7}, {33, 33}, {1, 2}, {32, 33}};
     for (const SIZE& from : kFrom)
         for (const SIZE& to : kTo)
             for (int32_t i = 0; i < 8; ++i) {
@@ -188,7 +189,7 @@ TEST(Scale, LargeFramesGiveThePlainBits)
         call.area = i & 2;
         call.bytesPerPixel = i & 4 ? 16 : 4;
         call.subPixel = true;
-        const SIZE small{1300, 250}, large{2500, 300};
+        const SIZE small{2200, 250}, large{2500, 300};
         const Frames frames(call.area ? large : small, call.area ? small : large, call, Rows::Wide, random);
         call.destRect =
             RECT{5000, 7000, frames.dest.Width() * kOne - 3000, frames.dest.Height() * kOne - 9000};
@@ -206,12 +207,19 @@ TEST(Scale, LargeFramesGiveThePlainBits)
     }
 }
 
-// Just large enough that the linear kernel shares its rows among threads.
+// Just large enough that rows are shared among threads.
 TEST(Scale, SharedRowsGiveTheModel)
 {
     Random random(7);
-    const ScaleCall call;
-    ExpectModel(call, Frames({1300, 40}, {2500, 75}, call, Rows::Negative, random), AllLevels());
+    for (int32_t i = 0; i < 3; ++i) {
+        ScaleCall call;
+        call.cubic = i == 1;
+        call.area = i == 2;
+        const SIZE small{1300, 75}, large{2500, 150};
+        ExpectModel(
+            call, Frames(call.area ? large : small, call.area ? small : large, call, Rows::Negative, random),
+            {VectorLevels().back()});
+    }
 }
 
 // Infinities and NaNs spread as far as in the plain form. The bits of a NaN are nobody's promise.
