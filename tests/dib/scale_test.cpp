@@ -189,7 +189,7 @@ TEST(Scale, LargeFramesGiveThePlainBits)
         call.area = i & 2;
         call.bytesPerPixel = i & 4 ? 16 : 4;
         call.subPixel = true;
-        const SIZE small{2200, 250}, large{2500, 300};
+        const SIZE small{2200, 125}, large{4200, 150};
         const Frames frames(call.area ? large : small, call.area ? small : large, call, Rows::Wide, random);
         call.destRect =
             RECT{5000, 7000, frames.dest.Width() * kOne - 3000, frames.dest.Height() * kOne - 9000};
