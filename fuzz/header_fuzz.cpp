@@ -4,14 +4,16 @@
 // two, flips as one, the rest spare), then what follows the header. All memory is allocated to the
 // byte, so that the sanitizer sees any access outside of what the header describes.
 #include "pixel/dib_layout.h"
+#include "require.h"
 #include "vx/pixel.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 #include <memory>
 
 namespace {
+
+using vxfuzz::Require;
 
 constexpr size_t kHeaderBytes = sizeof(BITMAPINFOHEADER), kChoiceBytes = 16;
 constexpr uint64_t kMaxPixelBytes = 1 << 20; // larger images say nothing new
@@ -41,12 +43,6 @@ Choices ReadChoices(const uint8_t* bytes)
             (bytes[6] & 1) != 0,
             (bytes[6] & 2) != 0,
             (bytes[6] & 4) != 0};
-}
-
-void Require(bool condition)
-{
-    if (!condition)
-        std::abort();
 }
 
 // What reads a header alone. Pixels are not touched: sizes may be anything.

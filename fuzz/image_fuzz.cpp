@@ -1,9 +1,9 @@
 // Any file into the reader of version resources. The file is one in memory; its resource is copied to
 // a block of exactly its size, so that the sanitizer sees any access behind it.
+#include "require.h"
 #include "vx/osversion.h"
 #include "vx/platform/version.h"
 
-#include <cstdlib>
 #include <memory>
 #include <string>
 #include <sys/mman.h>
@@ -11,11 +11,7 @@
 
 namespace {
 
-void Require(bool condition)
-{
-    if (!condition)
-        std::abort();
-}
+using vxfuzz::Require;
 
 // Reads every character or byte of the value.
 void Query(const void* block, const char16_t* path)

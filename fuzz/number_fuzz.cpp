@@ -2,35 +2,16 @@
 //
 // Input: a byte that chooses the locale, a byte of capacity, then UTF-16 text. Source and result lie
 // in memory of exactly their size, so that the sanitizer sees any access behind them.
-#include "vx/internationals.h"
+#include "text_fuzz.h"
 #include "vx/numbers.h"
-#include "vx/platform/locale.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 #include <memory>
 
 namespace {
 
-constexpr const char* kLocales[] = {"en-US", "de-DE", "fr-FR", "hi-IN", "ar-SA", "sv-SE"};
-
-void Require(bool condition)
-{
-    if (!condition)
-        std::abort();
-}
-
-void ChooseLocale(uint8_t choice)
-{
-    static int current = -1;
-    const int wanted = choice % int(std::size(kLocales));
-    if (wanted == current)
-        return;
-    Require(VxPlatform_SetUserLocale(kLocales[wanted]));
-    VxLang_GetInternationals(nullptr, 0);
-    current = wanted;
-}
+using namespace vxfuzz;
 
 // The value alone, and with a default and limits. The default is the minimum, and a 0 may become it.
 template <class T, class Read, class ReadEx>

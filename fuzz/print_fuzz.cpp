@@ -2,42 +2,24 @@
 //
 // Input: a byte that chooses the locale, a byte of capacity, then the format. Every argument is a
 // pointer to a text, or a double: whatever a form reads of its slot, a text is safe to follow.
-#include "vx/internationals.h"
-#include "vx/platform/locale.h"
+#include "text_fuzz.h"
 #include "vx/print.h"
 
 #include "text/tokens.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <utility>
 
 namespace {
 
-constexpr const char* kLocales[] = {"en-US", "de-DE", "fr-FR", "hi-IN", "ar-SA", "sv-SE"};
+using namespace vxfuzz;
+
 constexpr size_t kSlots = 110;             // what %1 to %99 with their stars reach
 constexpr size_t kMostFormat = kSlots * 2; // a form that takes an argument has two characters or more
 constexpr size_t kMostOfForm = 1024;       // that the unbounded engine writes, but for tokens
 constexpr char16_t kText[] = u"A text, 1,234.5";
-
-void Require(bool condition)
-{
-    if (!condition)
-        std::abort();
-}
-
-void ChooseLocale(uint8_t choice)
-{
-    static int current = -1;
-    const int wanted = choice % int(std::size(kLocales));
-    if (wanted == current)
-        return;
-    Require(VxPlatform_SetUserLocale(kLocales[wanted]));
-    VxLang_GetInternationals(nullptr, 0);
-    current = wanted;
-}
 
 // The doubles fill the registers that doubles are passed in, so that all slots hold pointers.
 template <size_t... Index, class Call>

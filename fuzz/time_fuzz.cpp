@@ -2,18 +2,18 @@
 //
 // Input: the settings below as they lie in memory, then UTF-16 text. Text, records and results lie in
 // memory of exactly their size, so that the sanitizer sees any access behind them.
-#include "vx/internationals.h"
-#include "vx/platform/locale.h"
+#include "text_fuzz.h"
 #include "vx/ruler.h"
 #include "vx/smpte.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 #include <iterator>
 #include <memory>
 
 namespace {
+
+using namespace vxfuzz;
 
 struct Input
 {
@@ -25,7 +25,6 @@ struct Input
 };
 static_assert(sizeof(Input) == 32);
 
-constexpr const char* kLocales[] = {"en-US", "de-DE", "fr-FR", "hi-IN", "ar-SA", "sv-SE"};
 constexpr double kRates[] = {30.0, 30000.0 / 1001.0, 25.0, 24.0, 0.005, 1e9};
 constexpr uint32_t kSamples[] = {44'100, 48'000, 192'000, 1, 0xFFFFFFFFu, 0};
 constexpr size_t kFullRoom = 64;  // that serves every format
@@ -35,23 +34,6 @@ template <class T, size_t Count>
 T Choose(const T (&values)[Count], uint8_t choice)
 {
     return values[choice % Count];
-}
-
-void Require(bool condition)
-{
-    if (!condition)
-        std::abort();
-}
-
-void ChooseLocale(uint8_t choice)
-{
-    static const char* current = nullptr;
-    const char* wanted = Choose(kLocales, choice);
-    if (wanted == current)
-        return;
-    Require(VxPlatform_SetUserLocale(wanted));
-    VxLang_GetInternationals(nullptr, 0);
-    current = wanted;
 }
 
 _vxposfmt SettingsOf(const Input& input)

@@ -84,7 +84,11 @@ VX_EXTERN_C_BEGIN
 
 /* Copies the snapshot, or builds it again.
  *   record  receives the first min(size, 796) bytes, its field `size` holding that number. Null: the
- *           snapshot is rebuilt from the system, and no other thread may read it meanwhile
+ *           snapshot is rebuilt from the system, and no other thread may read it meanwhile. The print
+ *           tokens (print.h) of its separators are set anew: $(SMPTE.Whole), $(SMPTE.NonDrop),
+ *           $(SMPTE.Drop), $(m.b), $(b.t), and those of the labels above times, in the language of the
+ *           kernel's handle: $(SMPTE.Label.NonDrop), $(SMPTE.Label.Drop), $(MusicTime.Label), each also
+ *           with .Full
  *   size    bytes of room at record; not read when record is null
  * Returns 0. */
 VX_EXPORT int32_t VxLang_GetInternationals(VxInternationals* record, uint32_t size);

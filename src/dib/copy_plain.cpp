@@ -1,12 +1,8 @@
-// The plain pump: any pair of types, scaled or not.
+// The plain pump: any pair of types, scaled or not. But for the direct paths it stays on the calling thread.
 #include "dib/copy_job.h"
-#include "kernel/parallel.h"
 
 namespace vx {
 namespace {
-
-// Converting a pixel takes about as long as touching so many bytes.
-constexpr int64_t kWorkOfPixel = 16;
 
 bool HasPlanes(const CopyJob& job, const RunKernels& runs)
 {
@@ -64,8 +60,8 @@ void CopyPlain(const CopyJob& job, Exchange& exchange)
     if (!job.IsScaled() && CopyDirect(job, exchange))
         return;
     const auto copyRow = HasPlanes(job, exchange.runs) ? CopyRowByPlanes : CopyRowByPixels;
-    const int64_t work = kWorkOfPixel * job.dest.width * job.dest.height;
-    ParallelRows(job.dest.height, work, [&](int32_t y) { copyRow(job, exchange, y); });
+    for (int32_t y = 0; y < job.dest.height; ++y)
+        copyRow(job, exchange, y);
 }
 
 } // namespace vx

@@ -8,7 +8,6 @@
 #define VX_SCALE_BOX_PLAIN
 
 #include "dib/scale_box.h"
-#include "kernel/parallel.h"
 #include "kernel/vector_targets.h"
 
 #include <bit>
@@ -469,9 +468,6 @@ void BlendMean(const ScaleJob& job, uint8_t* at, const BoxSpan& x, const BoxSpan
         StorePixel(at, PartMean(SumOfBlock<Pixel, Sum>(job, x, y), area), BoxCoverage<Pixel>(coverX, coverY));
 }
 
-// A row of a strip takes about as long as copying it so many times.
-constexpr int64_t kWorkOfPixel = 16;
-
 template <class Pixel, class Sum>
 void Box(const ScaleJob& job, BoxRowFn workRow, bool byVectors)
 {
@@ -479,8 +475,7 @@ void Box(const ScaleJob& job, BoxRowFn workRow, bool byVectors)
         Strip strip(job.x, first);
         if (byVectors)
             strip.PrepareForVectors(job.x);
-        const int64_t work = kWorkOfPixel * Pixel::kBytes * strip.count * job.y.count;
-        ParallelRows(job.y.count, work, [&](int32_t row) {
+        for (int32_t row = 0; row < job.y.count; ++row) {
             const BoxSpan y = BoxSpanAt(job.y, row);
             const int32_t coverage = job.y.Coverage(row);
             uint8_t* const dest = job.DestRow(row) + int64_t(Pixel::kBytes) * (job.x.firstPixel + first);
@@ -493,7 +488,7 @@ void Box(const ScaleJob& job, BoxRowFn workRow, bool byVectors)
                 [&](int32_t begin, int32_t end) {
                     workRow(job, strip, dest, begin - first, end - first, y);
                 });
-        });
+        }
         first += strip.count;
     }
 }

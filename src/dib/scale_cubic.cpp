@@ -9,7 +9,6 @@
 
 #include "dib/cubic_weights.h"
 #include "dib/scale_job.h"
-#include "kernel/parallel.h"
 #include "kernel/vector_targets.h"
 
 #include <hwy/cache_control.h>
@@ -325,16 +324,12 @@ namespace {
 HWY_EXPORT(CubicByteRow);
 HWY_EXPORT(CubicFloatRow);
 
-// Filtering a pixel takes about as long as copying it so many times.
-constexpr int64_t kWorkOfPixel = 16;
-
 template <class Pixel>
 void ScaleCubicPixels(const ScaleJob& job, CubicRowFn workRow)
 {
     for (int32_t first = 0; first < job.x.count; first += kStripColumns) {
         const Strip strip(job.x, first);
-        const int64_t work = kWorkOfPixel * Pixel::kBytes * strip.count * job.y.count;
-        ParallelRows(job.y.count, work, [&](int32_t y) {
+        for (int32_t y = 0; y < job.y.count; ++y) {
             const CubicTaps taps = CubicTapsAt(job.y, y, false);
             const CubicRows rows{{job.SourceRow(taps.tap[0]), job.SourceRow(taps.tap[1]),
                                   job.SourceRow(taps.tap[2]), job.SourceRow(taps.tap[3])},
@@ -344,7 +339,7 @@ void ScaleCubicPixels(const ScaleJob& job, CubicRowFn workRow)
             ForStripOfRow<Pixel>(
                 job, y, first, strip.count, [&](int32_t k) { return Filtered(Pixel(), rows, strip.Taps(k)); },
                 [&](uint8_t* dest, int32_t begin, int32_t end) { workRow(dest, rows, strip, begin, end); });
-        });
+        }
     }
 }
 

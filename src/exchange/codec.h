@@ -456,6 +456,7 @@ struct CodecOf : Form
     static constexpr int32_t kType = kPixelType;
     static constexpr int32_t kBits = PixelTypeInfoOf(kPixelType).bits;
     static constexpr bool kIsFloat = kPixelType == VXPIXEL_GRAY32 || kPixelType == VXPIXEL_RGBA128;
+    static constexpr bool kHasAlpha = kPixelType >= VXPIXEL_RGB32; // from there on all have
     using Channel = TheChannel;
     using Working = Pixel<Channel>;
     using Word = TheWord;

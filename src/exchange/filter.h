@@ -116,8 +116,11 @@ HWY_INLINE typename TheCodec::Working LoadFiltered(const uint8_t* p, uint32_t bi
                                                    uint32_t fx, uint32_t fy, const ReadContext& context)
 {
     const Block<TheCodec, true> block(p, bit, rowOffset, context);
-    return MixBlock(block.p00, block.p10, block.p01, block.p11,
-                    WeightsOf<typename TheCodec::Channel>(fx, fy));
+    auto mixed =
+        MixBlock(block.p00, block.p10, block.p01, block.p11, WeightsOf<typename TheCodec::Channel>(fx, fy));
+    if constexpr (!TheCodec::kHasAlpha)
+        mixed.alpha = block.p00.alpha; // full, of which the truncated weights would lose a little
+    return mixed;
 }
 
 template <class TheCodec>

@@ -5,7 +5,6 @@
 #include "vx/platform/locale.h"
 
 #include <algorithm>
-#include <cstring>
 #include <string_view>
 
 namespace vx {
@@ -80,16 +79,6 @@ void ReadSeparators(VxInternationals& record)
     SetText(u".", record.musicBeatSeparator, record.musicBeatSeparatorLength);
 }
 
-void Rebuild()
-{
-    VxInternationals record = {};
-    record.size = sizeof(record);
-    ReadNames(record);
-    ReadNumberFormat(record);
-    ReadSeparators(record);
-    g_internationals = record;
-}
-
 // A value of the snapshot by its key: a text, or a number where text is null.
 struct InatValue
 {
@@ -135,6 +124,16 @@ InatValue FindInat(uint32_t key)
 
 } // namespace
 
+void RebuildInternationals()
+{
+    VxInternationals record = {};
+    record.size = sizeof(record);
+    ReadNames(record);
+    ReadNumberFormat(record);
+    ReadSeparators(record);
+    g_internationals = record;
+}
+
 void KeepDecimalApartFromThousands(VxInternationals& record)
 {
     const std::u16string_view thousands(record.thousandsSeparator, record.thousandsSeparatorLength);
@@ -145,19 +144,6 @@ void KeepDecimalApartFromThousands(VxInternationals& record)
 }
 
 } // namespace vx
-
-int32_t VxLang_GetInternationals(VxInternationals* record, uint32_t size)
-{
-    if (!record) {
-        vx::Rebuild();
-        return 0;
-    }
-    // The caller's room may be smaller than the record: bytes, not fields, are copied.
-    VxInternationals copy = vx::g_internationals;
-    copy.size = std::min<uint32_t>(size, sizeof(copy));
-    std::memcpy(static_cast<void*>(record), &copy, copy.size);
-    return 0;
-}
 
 uint32_t VxGetInat(int32_t key, char16_t* dst)
 {

@@ -146,4 +146,23 @@ HostPath::HostPath(const WCHAR* path)
     }
 }
 
+std::u16string DrivePathOf(std::string_view hostPath)
+{
+    const DriveMap& drives = Drives();
+    size_t best = drives.folders.size();
+    for (size_t drive = 0; drive < drives.folders.size(); ++drive) {
+        const std::string& folder = drives.folders[drive];
+        if (drives.known[drive] && hostPath.starts_with(folder) &&
+            hostPath.substr(folder.size()).starts_with('/') &&
+            (best == drives.folders.size() || folder.size() > drives.folders[best].size()))
+            best = drive;
+    }
+    if (best == drives.folders.size())
+        return {};
+    std::u16string path{char16_t(u'A' + best), u':'};
+    path += ToUtf16(hostPath.substr(drives.folders[best].size()));
+    std::ranges::replace(path, u'/', u'\\');
+    return path;
+}
+
 } // namespace vxplatform

@@ -4,6 +4,7 @@
 #include "vx/platform/types.h"
 
 #include <string>
+#include <string_view>
 
 namespace vxplatform {
 
@@ -25,5 +26,9 @@ private:
     bool exists_ = false;
     std::string path_;
 };
+
+// The reverse: the path with a drive letter and backslashes of an absolute host path without "." and "..",
+// on the drive whose folder is the longest that it begins with. Empty where no drive has it.
+std::u16string DrivePathOf(std::string_view hostPath);
 
 } // namespace vxplatform

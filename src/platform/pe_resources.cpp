@@ -1,12 +1,7 @@
 #include "platform/pe_resources.h"
 
 #include <bit>
-#include <cerrno>
 #include <cstring>
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-#include <utility>
 
 namespace vxplatform {
 namespace {
@@ -23,6 +18,7 @@ constexpr uint32_t kPeSignature = 0x00004550;
 constexpr uint16_t kMzSignature = 0x5A4D, kMagic32 = 0x10B, kMagic64 = 0x20B;
 constexpr uint32_t kHighBit = 0x80000000u; // a directory entry that has a name, or leads to a directory
 constexpr uint32_t kMostSections = 96;     // more than the format's loaders accept
+constexpr uint32_t kMostNameLength = 255;  // of a text: a bound on what a damaged directory can ask for
 
 template <class T>
 T Field(const std::byte* bytes, size_t offset)
@@ -34,39 +30,7 @@ T Field(const std::byte* bytes, size_t offset)
 
 } // namespace
 
-// Without O_NONBLOCK a pipe of that name would make the caller wait for a writer.
-BinaryFile::BinaryFile(const char* hostPath) : descriptor_(open(hostPath, O_RDONLY | O_CLOEXEC | O_NONBLOCK))
-{
-    struct stat facts;
-    if (!IsOpen() || (fstat(descriptor_, &facts) == 0 && S_ISREG(facts.st_mode)))
-        return;
-    close(std::exchange(descriptor_, -1));
-    errno = EACCES;
-}
-
-BinaryFile::~BinaryFile()
-{
-    if (IsOpen())
-        close(descriptor_);
-}
-
-bool BinaryFile::Read(uint64_t offset, void* bytes, size_t size) const
-{
-    auto* out = static_cast<char*>(bytes);
-    while (size > 0) {
-        const ssize_t got = pread(descriptor_, out, size, off_t(offset));
-        if (got < 0 && errno == EINTR)
-            continue;
-        if (got <= 0)
-            return false;
-        out += got;
-        offset += uint64_t(got);
-        size -= size_t(got);
-    }
-    return true;
-}
-
-PeResources::PeResources(const BinaryFile& file) : file_(file)
+PeResources::PeResources(const ByteSource& file) : file_(file)
 {
     ReadHeaders();
 }
@@ -129,23 +93,50 @@ bool PeResources::ReadDirectory(uint32_t offset, void* bytes, uint32_t size) con
     return place && file_.Read(*place, bytes, size);
 }
 
-// What the entry with this id, or the first one, leads to.
-std::optional<uint32_t> PeResources::FindEntry(uint32_t directory, std::optional<uint32_t> id) const
+uint32_t PeResources::EntryCount(uint32_t directory) const
 {
     std::byte header[kDirectoryHeaderSize];
     if (!ReadDirectory(directory, header, sizeof(header)))
+        return 0;
+    return uint32_t(Field<uint16_t>(header, 12)) + Field<uint16_t>(header, 14);
+}
+
+std::optional<PeResources::Entry> PeResources::ReadEntry(uint32_t directory, uint32_t index) const
+{
+    const uint64_t offset =
+        uint64_t(directory) + kDirectoryHeaderSize + uint64_t(index) * kDirectoryEntrySize;
+    Entry entry;
+    static_assert(sizeof(entry) == kDirectoryEntrySize);
+    if (offset > UINT32_MAX || !ReadDirectory(uint32_t(offset), &entry, sizeof(entry)))
         return {};
-    const uint32_t count = uint32_t(Field<uint16_t>(header, 12)) + Field<uint16_t>(header, 14);
+    return entry;
+}
+
+// What the entry with this id, or the first one, leads to.
+std::optional<uint32_t> PeResources::FindEntry(uint32_t directory, std::optional<uint32_t> id) const
+{
+    const uint32_t count = EntryCount(directory);
     for (uint32_t i = 0; i < count; ++i) {
-        std::byte entry[kDirectoryEntrySize];
-        const uint64_t offset =
-            uint64_t(directory) + kDirectoryHeaderSize + uint64_t(i) * kDirectoryEntrySize;
-        if (offset > UINT32_MAX || !ReadDirectory(uint32_t(offset), entry, sizeof(entry)))
+        const std::optional<Entry> entry = ReadEntry(directory, i);
+        if (!entry)
             return {};
-        if (!id || Field<uint32_t>(entry, 0) == *id)
-            return Field<uint32_t>(entry, 4);
+        if (!id || entry->id == *id)
+            return entry->next;
     }
     return {};
+}
+
+// What an entry of the last level leads to.
+std::optional<ResourcePlace> PeResources::PlaceOf(uint32_t next) const
+{
+    std::byte leaf[16];
+    if ((next & kHighBit) || !ReadDirectory(next, leaf, sizeof(leaf)))
+        return {};
+    const uint32_t size = Field<uint32_t>(leaf, 4);
+    const std::optional<uint64_t> offset = OffsetOf(Field<uint32_t>(leaf, 0), size);
+    if (!offset)
+        return {};
+    return ResourcePlace{*offset, size};
 }
 
 // Three levels: type, name, language. A directory cannot lead back further up than that.
@@ -154,14 +145,57 @@ std::optional<ResourcePlace> PeResources::FindFirst(uint32_t type) const
     std::optional<uint32_t> next = FindEntry(0, type);
     for (int level = 0; level < 2 && next; ++level)
         next = *next & kHighBit ? FindEntry(*next & ~kHighBit, {}) : std::nullopt;
-    std::byte leaf[16];
-    if (!next || (*next & kHighBit) || !ReadDirectory(*next, leaf, sizeof(leaf)))
+    return next ? PlaceOf(*next) : std::nullopt;
+}
+
+std::optional<ResourceName> PeResources::NameOf(uint32_t id) const
+{
+    if (!(id & kHighBit))
+        return ResourceName{uint16_t(id)};
+    const uint32_t place = id & ~kHighBit;
+    uint16_t length = 0;
+    if (!ReadDirectory(place, &length, sizeof(length)) || length > kMostNameLength)
         return {};
-    const uint32_t size = Field<uint32_t>(leaf, 4);
-    const std::optional<uint64_t> offset = OffsetOf(Field<uint32_t>(leaf, 0), size);
-    if (!offset)
+    ResourceName name{0, std::u16string(length, u'\0')};
+    if (!ReadDirectory(place + sizeof(length), name.text.data(), uint32_t(length) * 2))
         return {};
-    return ResourcePlace{*offset, size};
+    return name;
+}
+
+template <class Visit>
+void PeResources::ForEachBelow(uint32_t next, uint32_t& budget, Visit visit) const
+{
+    if (!(next & kHighBit))
+        return;
+    const uint32_t directory = next & ~kHighBit, count = EntryCount(directory);
+    for (uint32_t i = 0; i < count && budget > 0; ++i) {
+        --budget;
+        const std::optional<Entry> entry = ReadEntry(directory, i);
+        if (!entry)
+            return;
+        visit(*entry);
+    }
+}
+
+void PeResources::ForEach(const Visitor& visit) const
+{
+    // As many entries as have room: where the directories of a damaged file share their entries, they
+    // are not walked once for each way that leads to them.
+    uint32_t budget = directorySize_ / kDirectoryEntrySize;
+    ForEachBelow(kHighBit, budget, [&](const Entry& typeEntry) {
+        const std::optional<ResourceName> type = NameOf(typeEntry.id);
+        if (!type)
+            return;
+        ForEachBelow(typeEntry.next, budget, [&](const Entry& nameEntry) {
+            const std::optional<ResourceName> name = NameOf(nameEntry.id);
+            if (!name)
+                return;
+            ForEachBelow(nameEntry.next, budget, [&](const Entry& leaf) {
+                if (const std::optional<ResourcePlace> place = PlaceOf(leaf.next))
+                    visit(*type, *name, uint16_t(leaf.id), *place);
+            });
+        });
+    });
 }
 
 } // namespace vxplatform

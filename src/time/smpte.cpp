@@ -7,10 +7,11 @@ namespace {
 
 using namespace vx;
 
-constexpr uint32_t kDropHour = 108;           // labels that drop-frame leaves out of an hour
-constexpr uint32_t kPlainHour = 60 * 60 * 30; // frames of an hour, a minute and ten minutes
-constexpr uint32_t kPlainMinute = 60 * 30;    // of a plain 30-frame clock
-constexpr uint32_t kPlainTenMinutes = 10 * kPlainMinute;
+// Frames of a minute and of ten on a plain 30-frame clock, and what drop-frame counts of them; labels that it
+// leaves out of an hour.
+constexpr uint32_t kPlainMinute = 60 * 30, kPlainTenMinutes = 10 * kPlainMinute;
+constexpr uint32_t kDropMinute = kPlainMinute - 2, kDropTenMinutes = kPlainTenMinutes - 9 * 2;
+constexpr uint32_t kDropHour = 6 * 9 * 2;
 
 // Frames 0 and 1 of the first second of a minute that is no multiple of ten.
 bool IsDropped(uint32_t minutes, uint32_t seconds, uint32_t frames)
@@ -18,25 +19,13 @@ bool IsDropped(uint32_t minutes, uint32_t seconds, uint32_t frames)
     return frames < 2 && seconds == 0 && minutes % 10 != 0;
 }
 
-// Labels left out up to position x of a plain 30-frame clock.
-uint32_t DroppedUpTo(uint32_t x)
-{
-    const uint32_t inHour = x % kPlainHour;
-    const uint32_t minute = inHour / kPlainMinute;
-    const uint32_t inThisHour = minute == 0 ? 0 : (minute - inHour / kPlainTenMinutes) * 2;
-    return x / kPlainHour * kDropHour + inThisHour;
-}
-
-// The position of a drop-frame count on a plain 30-frame clock: each round adds the labels that the
-// last one stepped over, until there are no more.
+// The position of a drop-frame count, of one day, on a plain 30-frame clock. Of ten minutes the first keeps
+// its 1800 labels, the others 1798 each: the two of the first that are too many come before these begin.
 uint32_t PlainPosition(uint32_t count)
 {
-    uint32_t x = count, dropped = 0;
-    for (uint32_t now = DroppedUpTo(x); now != dropped; now = DroppedUpTo(x)) {
-        x += now - dropped;
-        dropped = now;
-    }
-    return x;
+    const uint32_t tens = count / kDropTenMinutes, rest = count % kDropTenMinutes;
+    const uint32_t minutes = rest < 2 ? 0 : (rest - 2) / kDropMinute;
+    return count + tens * (kPlainTenMinutes - kDropTenMinutes) + minutes * (kPlainMinute - kDropMinute);
 }
 
 void SetFields(_smpteval& label, uint32_t hours, uint32_t minutes, uint32_t seconds, uint32_t frames)
@@ -72,11 +61,9 @@ void VXSMPTE_FrameCountToSMPTE(_smpteval* label, uint32_t count)
     }
     uint32_t x = count % format.day;
     if (format.drop)
-        x = PlainPosition(x) % (24 * kPlainHour);
+        x = PlainPosition(x);
     const uint32_t seconds = x / format.nominal;
     SetFields(*label, seconds / 3600, seconds / 60 % 60, seconds % 60, x % format.nominal);
-    if (format.drop && IsDropped(label->minutes, label->seconds, label->frames))
-        label->frames = 2;
 }
 
 int64_t VXSMPTE_SMPTEToNanos(const _smpteval* label)

@@ -24,17 +24,11 @@ const RECT kApartBetween{7 * 16384 + 5, 0, 9 * 16384, 16384};
 
 const RefusalCase kRefusals[] = {
     {"YUV destination", 64, 29, {}, VX_E_UNSUPPORTED_MEDIA},
-    {"YUV source", 29, 64, {}, VX_E_UNSUPPORTED_MEDIA},
     {"YUV source between pixels", 29, 64, {kInside, {}, 3 | kSub}, S_OK},
     {"destination apart", 29, 27, {kApart, {}, 3}, VX_E_UNSUPPORTED_MEDIA},
     {"source apart", 24, 27, {{}, kApart, 1}, VX_E_UNSUPPORTED_MEDIA},
-    {"empty rectangle", 29, 29, {RECT{2, 2, 2, 4}, {}, 1}, VX_E_UNSUPPORTED_MEDIA},
     {"inverted rectangle", 29, 27, {RECT{4, 0, 1, 4}, RECT{4, 0, 1, 4}, 3}, VX_E_UNSUPPORTED_MEDIA},
-    {"less than a pixel, dropped to nothing",
-     29,
-     27,
-     {kHalfPixel, kHalfPixel, 1 | kSub},
-     VX_E_UNSUPPORTED_MEDIA},
+    {"dropped to nothing", 29, 27, {kHalfPixel, kHalfPixel, 1 | kSub}, VX_E_UNSUPPORTED_MEDIA},
     {"less than a pixel", 27, 29, {kHalfPixel, {}, 3 | kSub}, S_OK},
     {"apart between pixels", 27, 29, {kApartBetween, {}, 3 | kSub}, S_OK},
     {"apart where scaled", 29, 29, {RECT{7, 0, 9, 2}, RECT{0, 0, 1, 1}, 3}, S_OK},
@@ -114,7 +108,7 @@ TEST(DibCopyFailure, WithoutMemoryCurvesAreEvaluatedAndPalettesRefused)
                     EXPECT_EQ(got, dest);
                 } else {
                     EXPECT_EQ(status, S_OK);
-                    EXPECT_LE(Difference(got, want, to == 32 || to == 22), to == 32 ? 2e-3 : 1.0)
+                    EXPECT_LE(Difference(got, want), to == 32 ? 2e-3 : 1.0)
                         << "allocation " << n << ", " << to << " from " << from << a;
                 }
             }

@@ -1,8 +1,6 @@
-#include "dib/fixed.h"
 #include "support/random.h"
 #include "vx/dib.h"
 
-#include <cmath>
 #include <gtest/gtest.h>
 
 // In the namespace of RECT, where GoogleTest looks.
@@ -42,83 +40,30 @@ Prepared Prepare(SIZE dest, const RECT* destIn, SIZE source, const RECT* sourceI
     return out;
 }
 
-struct RectsCase
+// The random pairs below have all other cases; these say which length divides, and what is nothing.
+constexpr struct
 {
     const char* name;
     SIZE dest;
     RECT destIn;
     SIZE source;
-    RECT sourceIn;
-    RECT wantDest, wantSource, wantClip;
-};
-
-constexpr RectsCase kRectsCases[] = {
-    {"inside both",
-     {10, 10},
-     {1, 2, 3, 4},
-     {20, 20},
-     {0, 0, 20, 20},
-     {1, 2, 3, 4},
-     {0, 0, 20, 20},
-     {0, 0, 0, 0}},
-    {"the divisor is the bitmap that cuts",
-     {100, 100},
-     {-10, 0, 10, 100},
-     {50, 50},
-     {0, 0, 40, 50},
-     {0, 0, 10, 100},
-     {4, 0, 40, 50},
-     {4, 0, 0, 0}},
-    {"both cuts share the whole width",
-     {100, 10},
-     {-50, 0, 150, 10},
-     {80, 10},
-     {0, 0, 80, 10},
-     {0, 0, 0, 0},
-     {0, 0, 0, 0},
-     {0, 0, 0, 0}},
-    {"both cuts of a wide rectangle",
-     {100, 10},
-     {-10, 0, 120, 10},
-     {80, 10},
-     {0, 0, 80, 10},
-     {0, 0, 100, 10},
-     {8, 0, 64, 10},
-     {8, 0, 16, 0}},
-    {"the source cuts first",
-     {40, 40},
-     {0, 0, 40, 40},
-     {20, 20},
-     {-5, 0, 15, 20},
-     {10, 0, 40, 40},
-     {0, 0, 15, 20},
-     {5, 0, 0, 0}},
-    {"rows like columns",
-     {10, 100},
-     {0, -10, 10, 90},
-     {10, 50},
-     {0, 0, 10, 50},
-     {0, 0, 10, 90},
-     {0, 5, 10, 50},
-     {0, 5, 0, 0}},
-    {"truncated", {3, 3}, {-1, 0, 3, 3}, {10, 3}, {0, 0, 10, 3}, {0, 0, 3, 3}, {3, 0, 10, 3}, {3, 0, 0, 0}},
-    {"outside the destination", {10, 10}, {10, 0, 12, 10}, {10, 10}, {0, 0, 2, 10}, {}, {}, {}},
-    {"outside the source", {10, 10}, {0, 0, 2, 10}, {10, 10}, {-2, 0, 0, 10}, {}, {}, {}},
+    RECT sourceIn, wantDest, wantSource, wantClip;
+} kRectsCases[] = {
+    // clang-format off
+    {"the divisor is the bitmap that cuts", {100, 100}, {-10, 0, 10, 100}, {50, 50}, {0, 0, 40, 50},
+     {0, 0, 10, 100}, {4, 0, 40, 50}, {4, 0, 0, 0}},
+    {"both cuts are of the whole width", {100, 10}, {-10, 0, 120, 10}, {80, 10}, {0, 0, 80, 10},
+     {0, 0, 100, 10}, {8, 0, 64, 10}, {8, 0, 16, 0}},
     {"inverted", {10, 10}, {5, 0, 2, 10}, {10, 10}, {0, 0, 3, 10}, {}, {}, {}},
     {"empty inside", {10, 10}, {0, 0, 3, 3}, {10, 10}, {2, 2, 2, 5}, {}, {}, {}},
-    {"far ends do not overflow",
-     {100, 100},
-     {-1, 0, 99, 100},
-     {100, 100},
-     {INT32_MIN, 0, INT32_MAX, 100},
-     {},
-     {},
-     {}},
+    {"far ends do not overflow", {100, 100}, {-1, 0, 99, 100}, {100, 100}, {INT32_MIN, 0, INT32_MAX, 100},
+     {}, {}, {}},
+    // clang-format on
 };
 
 TEST(Rects, Table)
 {
-    for (const RectsCase& c : kRectsCases) {
+    for (const auto& c : kRectsCases) {
         const Prepared got = Prepare(c.dest, &c.destIn, c.source, &c.sourceIn);
         EXPECT_EQ(got.dest, c.wantDest) << c.name;
         EXPECT_EQ(got.source, c.wantSource) << c.name;
@@ -133,10 +78,6 @@ TEST(Rects, NullRectanglesAreTheWholeBitmapAgain)
     EXPECT_EQ(got.dest, (RECT{0, 0, 5, 10}));
     EXPECT_EQ(got.source, (RECT{0, 0, 20, 20}));
     EXPECT_EQ(got.clip, (RECT{0, 0, 0, 0}));
-    got = Prepare({10, 10}, nullptr, {20, 20}, &beyond);
-    EXPECT_EQ(got.dest, (RECT{0, 0, 10, 10}));
-    EXPECT_EQ(got.source, (RECT{0, 0, 5, 10}));
-    EXPECT_EQ(got.clip, (RECT{5, 0, 0, 0}));
     got = Prepare({10, 10}, nullptr, {20, 20}, &away);
     EXPECT_EQ(got.dest, (RECT{0, 0, 10, 10}));
     EXPECT_EQ(got.source, (RECT{0, 0, 0, 0}));
@@ -156,7 +97,7 @@ bool ModelClip(Wide a[2], Wide other[2], Wide size)
     return true;
 }
 
-TEST(Rects, RandomPairsFollowTheModelAndStayInside)
+TEST(Rects, RandomPairsFollowTheModel)
 {
     Random random;
     int32_t kept = 0;
@@ -182,8 +123,6 @@ TEST(Rects, RandomPairsFollowTheModelAndStayInside)
         ASSERT_EQ(got.dest, want(dx, dy)) << d << " of " << destSize.cx << "x" << destSize.cy << ", " << s;
         ASSERT_EQ(got.source, want(sx, sy))
             << d << ", " << s << " of " << sourceSize.cx << "x" << sourceSize.cy;
-        ASSERT_TRUE(got.dest.left >= 0 && got.dest.right <= destSize.cx && got.source.top >= 0 &&
-                    got.source.bottom <= sourceSize.cy);
         if (some) {
             const RECT clip{got.source.left - s.left, got.source.top - s.top, s.right - got.source.right,
                             s.bottom - got.source.bottom};
@@ -201,23 +140,6 @@ TEST(Rects, OutputsMayBeTheInputsAndTheClipMayBeNull)
     VxDibPrepareRects(&d, &dest, &dest, &s, &source, &source, nullptr);
     EXPECT_EQ(dest, (RECT{0, 0, 10, 100}));
     EXPECT_EQ(source, (RECT{4, 0, 40, 50}));
-}
-
-TEST(Fixed, FloorAndCeilingOfCoordinatesAndTheByteBlend)
-{
-    Random random;
-    for (int32_t i = 0; i < 10000; ++i) {
-        const int32_t c = random.Int(-(1 << 20), 1 << 20) >> (i % 8);
-        ASSERT_EQ(vx::SubpixelFloor(c), int32_t(std::floor(c / 16384.0)) * 16384) << c;
-        ASSERT_EQ(vx::SubpixelCeiling(c), int32_t(std::ceil(c / 16384.0)) * 16384) << c;
-        ASSERT_EQ(vx::SubpixelFloor(c) + vx::SubpixelFraction(c), c);
-    }
-    for (int32_t v = 0; v < 256; ++v)
-        for (int32_t c = 0; c < 256; ++c)
-            for (int32_t a = 0; a < 256; a += c % 2 ? 1 : 17)
-                ASSERT_NEAR(vx::BlendByte(uint8_t(v), uint8_t(c), a), v + (c - v) * a / 255.0,
-                            c >= v ? 0.5 : 0.502)
-                    << v << " " << c << " " << a;
 }
 
 } // namespace

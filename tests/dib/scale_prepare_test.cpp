@@ -21,127 +21,80 @@ namespace {
 
 constexpr int32_t kOne = 16384;
 
-struct PrepareCase
-{
-    const char* name;
-    SIZE dest;
-    RECT destRect;
-    SIZE source;
-    RECT sourceRect;
-    int32_t want;
-    RECT destClip = {}, sourceClip = {};
-    int32_t stepX = 0, ratioX = 0;
-};
-
 constexpr RECT Pixels(int32_t left, int32_t top, int32_t right, int32_t bottom)
 {
     return {left * kOne, top * kOne, right * kOne, bottom * kOne};
 }
 
-constexpr int32_t kFar = std::numeric_limits<int32_t>::max();
-
-const PrepareCase kCases[] = {
-    {"two to three: the truncated ratio leaves two units out",
-     {3, 1},
-     Pixels(0, 0, 3, 1),
-     {2, 1},
-     Pixels(0, 0, 2, 1),
-     1,
-     Pixels(0, 0, 3, 1),
-     {0, 0, 32766, kOne},
-     8191,
-     10922},
-    {"a source rectangle is cut before the ratio",
-     {4, 4},
-     Pixels(0, 0, 4, 4),
-     {4, 4},
-     Pixels(-4, 0, 2, 4),
-     1,
-     Pixels(0, 0, 4, 4),
-     Pixels(0, 0, 2, 4),
-     16384 / 3,
-     kOne / 2},
-    {"a destination that is cut takes its part of the source",
-     {4, 4},
-     Pixels(-4, 0, 4, 4),
-     {4, 4},
-     Pixels(0, 0, 4, 4),
-     1,
-     Pixels(0, 0, 4, 4),
-     Pixels(2, 0, 4, 4),
-     16384 / 3,
-     kOne / 2},
-    {"less than a pixel of source leaves no step",
-     {4, 1},
-     Pixels(-60, 0, 4, 1),
-     {4, 1},
-     Pixels(0, 0, 4, 1),
-     1,
-     Pixels(0, 0, 4, 1),
-     {60 * 1024, 0, kOne * 4, kOne},
-     0,
-     1024},
-    {"under two pixels there is no step",
-     {4, 1},
-     {0, 0, 2 * kOne - 1, kOne},
-     {8, 1},
-     Pixels(0, 0, 8, 1),
-     1,
-     {0, 0, 2 * kOne - 1, kOne},
-     {0, 0, 131071, kOne},
-     0,
-     65538},
-    {"a sixteenth is enough",
-     {4, 4},
-     {0, 0, 1024, 1024},
-     {1, 1},
-     Pixels(0, 0, 1, 1),
-     1,
-     {0, 0, 1024, 1024},
-     Pixels(0, 0, 1, 1),
-     0,
-     16 * kOne},
-    {"below a sixteenth", {4, 4}, {0, 0, 1023, kOne}, {1, 1}, Pixels(0, 0, 1, 1), 0},
-    {"below a sixteenth in the frame", {4, 4}, {-kOne, 0, 1023, kOne}, {1, 1}, Pixels(0, 0, 1, 1), 0},
-    {"outside the destination", {4, 4}, Pixels(4, 0, 8, 4), {1, 1}, Pixels(0, 0, 1, 1), 0},
-    {"outside the source", {4, 4}, Pixels(0, 0, 4, 4), {4, 4}, Pixels(4, 0, 8, 4), 0},
-    {"less than a pixel of source", {4, 4}, Pixels(0, 0, 4, 4), {4, 4}, {0, 0, kOne - 1, kOne}, 0},
-    {"inverted", {4, 4}, Pixels(4, 0, 0, 4), {4, 4}, Pixels(0, 0, 4, 4), 0},
-    {"no frame", {-1, 4}, Pixels(0, 0, 4, 4), {4, 4}, Pixels(0, 0, 4, 4), 0},
-    {"sides that are far apart",
-     {4, 4},
-     {-kFar, 0, kFar, 4 * kOne},
-     {4, 4},
-     {-kFar, -kFar, kFar, kFar},
-     1,
-     Pixels(0, 0, 4, 4),
-     {0, 0, 0, 4 * kOne},
-     0,
-     0},
+struct Side
+{
+    int32_t first, last;
 };
 
+constexpr int32_t kFar = std::numeric_limits<int32_t>::max();
+
+// The sides of one axis; sizes are in pixels, all else in 1/16384 of one.
+constexpr struct
+{
+    const char* name;
+    int32_t destSize;
+    Side dest;
+    int32_t sourceSize;
+    Side source;
+    int32_t want;
+    Side destClip = {}, sourceClip = {};
+    int32_t step = 0, ratio = 0;
+} kCases[] = {
+    // clang-format off
+    {"the truncated ratio leaves two units out", 3, {0, 3 * kOne}, 2, {0, 2 * kOne}, 1,
+     {0, 3 * kOne}, {0, 32766}, 8191, 10922},
+    {"a source is cut before the ratio", 4, {0, 4 * kOne}, 4, {-4 * kOne, 2 * kOne}, 1,
+     {0, 4 * kOne}, {0, 2 * kOne}, kOne / 3, kOne / 2},
+    {"a destination that is cut takes its part", 4, {-4 * kOne, 4 * kOne}, 4, {0, 4 * kOne}, 1,
+     {0, 4 * kOne}, {2 * kOne, 4 * kOne}, kOne / 3, kOne / 2},
+    {"less than a pixel of source leaves no step", 4, {-60 * kOne, 4 * kOne}, 4, {0, 4 * kOne}, 1,
+     {0, 4 * kOne}, {60 * 1024, 4 * kOne}, 0, 1024},
+    {"under two pixels there is no step", 4, {0, 2 * kOne - 1}, 8, {0, 8 * kOne}, 1,
+     {0, 2 * kOne - 1}, {0, 131071}, 0, 65538},
+    {"a sixteenth is enough", 4, {0, 1024}, 1, {0, kOne}, 1, {0, 1024}, {0, kOne}, 0, 16 * kOne},
+    {"below a sixteenth", 4, {0, 1023}, 1, {0, kOne}, 0},
+    {"below a sixteenth in the frame", 4, {-kOne, 1023}, 1, {0, kOne}, 0},
+    {"outside the destination", 4, {4 * kOne, 8 * kOne}, 1, {0, kOne}, 0},
+    {"outside the source", 4, {0, 4 * kOne}, 4, {4 * kOne, 8 * kOne}, 0},
+    {"less than a pixel of source", 4, {0, 4 * kOne}, 4, {0, kOne - 1}, 0},
+    {"inverted", 4, {4 * kOne, 0}, 4, {0, 4 * kOne}, 0},
+    {"no frame", -1, {0, 4 * kOne}, 4, {0, 4 * kOne}, 0},
+    {"sides that are far apart", 4, {-kFar, kFar}, 4, {-kFar, kFar}, 1, {0, 4 * kOne}, {0, 0}, 0, 0},
+    // clang-format on
+};
+
+// Each case along X and along Y, beside an axis on which nothing happens.
 TEST(PrepareSubpixelParam, Table)
 {
-    for (const PrepareCase& c : kCases) {
-        VxSubpixelParam p;
-        uint8_t dest = 0, source = 0;
-        ASSERT_EQ(VxPrepareSubpixelParam(&p, &dest, &c.dest, 40, &c.destRect, &source, &c.source, -20,
-                                         &c.sourceRect),
-                  c.want)
-            << c.name;
-        if (c.want == 0)
-            continue;
-        EXPECT_EQ(p.destClip, c.destClip) << c.name;
-        EXPECT_EQ(p.destRect, c.destRect) << c.name;
-        EXPECT_EQ(p.sourceClip, c.sourceClip) << c.name;
-        EXPECT_EQ(p.stepX, c.stepX) << c.name;
-        EXPECT_EQ(p.ratioX, c.ratioX) << c.name;
-        EXPECT_EQ(p.destPixels, &dest);
-        EXPECT_EQ(p.sourcePixels, &source);
-        EXPECT_EQ(p.destStride, 40);
-        EXPECT_EQ(p.sourceStride, -20);
-        EXPECT_EQ(p.quantizer, nullptr);
-    }
+    for (const auto& c : kCases)
+        for (const bool alongY : {false, true}) {
+            const auto rect = [alongY](const Side& s) {
+                return alongY ? RECT{0, s.first, 4 * kOne, s.last} : RECT{s.first, 0, s.last, 4 * kOne};
+            };
+            const auto size = [alongY](int32_t s) { return alongY ? SIZE{4, s} : SIZE{s, 4}; };
+            const SIZE destSize = size(c.destSize), sourceSize = size(c.sourceSize);
+            const RECT destRect = rect(c.dest), sourceRect = rect(c.source);
+            VxSubpixelParam p;
+            uint8_t dest = 0, source = 0;
+            ASSERT_EQ(VxPrepareSubpixelParam(&p, &dest, &destSize, 40, &destRect, &source, &sourceSize, -20,
+                                             &sourceRect),
+                      c.want)
+                << c.name;
+            if (c.want == 0)
+                continue;
+            EXPECT_EQ(p.destClip, rect(c.destClip)) << c.name;
+            EXPECT_EQ(p.destRect, destRect) << c.name;
+            EXPECT_EQ(p.sourceClip, rect(c.sourceClip)) << c.name;
+            EXPECT_EQ(alongY ? p.stepY : p.stepX, c.step) << c.name;
+            EXPECT_EQ(alongY ? p.ratioY : p.ratioX, c.ratio) << c.name;
+            EXPECT_TRUE(p.destPixels == &dest && p.sourcePixels == &source && p.destStride == 40 &&
+                        p.sourceStride == -20 && p.quantizer == nullptr);
+        }
 }
 
 TEST(PrepareSubpixelParam, NullRectanglesAreTheFrames)
@@ -151,8 +104,6 @@ TEST(PrepareSubpixelParam, NullRectanglesAreTheFrames)
     ASSERT_EQ(VxPrepareSubpixelParam(&p, nullptr, &dest, 24, nullptr, nullptr, &source, 12, nullptr), 1);
     EXPECT_EQ(p.destRect, Pixels(0, 0, 6, 4));
     EXPECT_EQ(p.sourceBounds, Pixels(0, 0, 3, 8));
-    EXPECT_EQ(p.ratioX, kOne / 2);
-    EXPECT_EQ(p.ratioY, kOne * 2);
     EXPECT_EQ(p.stepX, 2 * kOne / 5);
     EXPECT_EQ(p.stepY, 7 * kOne / 3);
 }
@@ -196,12 +147,8 @@ TEST_F(DibPrepare, PointsAtTopRowsAndRunsDown)
     EXPECT_EQ(param_.sourceStride, -16);
     EXPECT_EQ(param_.destHeader, dest);
     EXPECT_EQ(param_.sourceHeader, source);
-    EXPECT_EQ(param_.destGamma, 2.2);
-    EXPECT_EQ(param_.sourceGamma, 1.8);
-    EXPECT_EQ(param_.flags, 7u);
-    EXPECT_EQ(param_.destPalette, nullptr);
-    EXPECT_EQ(param_.sourcePalette, nullptr);
-    EXPECT_EQ(param_.quantizer, nullptr);
+    EXPECT_TRUE(param_.destGamma == 2.2 && param_.sourceGamma == 1.8 && param_.flags == 7);
+    EXPECT_FALSE(param_.destPalette || param_.sourcePalette || param_.quantizer);
 }
 
 TEST_F(DibPrepare, MakesTheColourMapOfAPaletteDestination)

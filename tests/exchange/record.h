@@ -3,36 +3,8 @@
 
 #include "exchange/rows.h"
 #include "support/exchange_model.h"
-#include "vx/xchg.h"
 
 namespace vxtest {
-
-inline Channels WorkingAt(const void* pixels, int32_t depth, size_t stride, size_t i)
-{
-    const auto* const p = static_cast<const uint8_t*>(pixels) + stride * i;
-    uint16_t words[4] = {};
-    float values[4] = {};
-    std::memcpy(words, p, depth == 1 ? sizeof(words) : 0);
-    std::memcpy(values, p, depth == 2 ? sizeof(values) : 0);
-    Channels out;
-    for (size_t c = 0; c < 4; ++c)
-        out[c] = depth == 0 ? p[c] : depth == 1 ? words[c] : double(values[c]);
-    return out;
-}
-
-inline void StoreWorking(void* pixels, int32_t depth, size_t stride, size_t i, const Channels& pixel)
-{
-    const size_t bytes = size_t(1) << depth;
-    for (size_t c = 0; c < 4; ++c) {
-        const uint32_t value = depth == 2 ? std::bit_cast<uint32_t>(float(pixel[c])) : uint32_t(pixel[c]);
-        std::memcpy(static_cast<uint8_t*>(pixels) + stride * i + bytes * c, &value, bytes); // low bytes first
-    }
-}
-
-inline void PutSlot(tVXXCHG& x, size_t i, const Channels& pixel)
-{
-    StoreWorking(x.slots, x.depth, x.depth == 2 ? 16 : 8, i, pixel);
-}
 
 // The integer weights of a block's four pixels, of 16384 in all.
 inline std::array<double, 4> WeightsOf(const tVXXCHG& x)
@@ -51,11 +23,6 @@ inline Channels MixOf(const Channels (&block)[4], const std::array<double, 4>& w
         out[c] = std::floor(out[c] / 16384);
     }
     return out;
-}
-
-inline Channels Slot(const tVXXCHG& x, size_t i)
-{
-    return WorkingAt(x.slots, x.depth, x.depth == 2 ? 16 : 8, i);
 }
 
 inline Channels RunPixel(const vx::RunBuffer& buffer, int32_t depth, size_t i)

@@ -6,16 +6,14 @@ namespace {
 
 using namespace vxtest;
 
-struct SelectCase
+constexpr struct
 {
     const char* name;
     int32_t dest, source;
     uint32_t flags;
     int32_t wantDepth;
     uint32_t wantFlags;
-};
-
-constexpr SelectCase kSelectCases[] = {
+} kSelectCases[] = {
     {"quality 1 picks at 8 bits", 29, 29, 1, VXXCHG_DEPTH_8, 0x180},
     {"quality 2 fades exactly", 27, 24, 2, VXXCHG_DEPTH_8, 0x1C0},
     {"quality 4 is 16 bits", 29, 29, 4, VXXCHG_DEPTH_16, 0x1F0},
@@ -30,7 +28,7 @@ constexpr SelectCase kSelectCases[] = {
 
 TEST(ExchangeSelect, QualityAndTypesChooseDepthAndFlags)
 {
-    for (const SelectCase& c : kSelectCases) {
+    for (const auto& c : kSelectCases) {
         tVXXCHG x;
         ASSERT_EQ(VxXCHGGetFunctionPointers(c.dest, c.source, c.flags, &x, nullptr, 0, 0), S_OK) << c.name;
         EXPECT_EQ(x.depth, c.wantDepth) << c.name;

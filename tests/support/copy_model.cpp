@@ -1,6 +1,7 @@
 #include "support/copy_model.h"
 
 #include "dib/curves.h"
+#include "support/exchange_model.h"
 #include "vx/platform/memory.h"
 #include "vx/scale.h"
 #include "vx/xchg.h"
@@ -39,55 +40,35 @@ float RandomFloat(Random& random, bool hard)
 
 Picture::Picture(int32_t type, int32_t width, int32_t height, Rows rows, Random& random, bool hard,
                  uint32_t entries)
-    : type_(type), front_(40 + 4 * 256)
+    : type_(type), front_(40 + 4 * 256), rows_((BitsOf(type) * width + 7) / 8, height, 1, rows, random)
 {
     std::vector<RGBQUAD> table(entries);
     for (RGBQUAD& entry : table)
         entry = {random.Byte(), random.Byte(), random.Byte(), random.Byte()};
     VxVideo_InitBitmapInfo(Header(), type, width, height, table.data(), int32_t(entries), nullptr);
-    const int32_t rowBytes = int32_t((int64_t(BitsOf(type)) * width + 7) / 8);
-    const int32_t pitch = rowBytes + (rows == Rows::Tight ? 0 : 13);
-    constexpr size_t kGuard = 64;
-    offset_ = kGuard + (rows == Rows::Tight ? 0 : 1) +
-              (rows == Rows::Negative ? size_t(pitch) * size_t(height - 1) : 0);
-    stride_ = rows == Rows::Negative ? -pitch : pitch;
-    memory_.resize(size_t(pitch) * size_t(height) + 2 * kGuard + 1);
-    for (uint8_t& byte : memory_)
-        byte = random.Byte();
-    if (IsFloat(type))
-        for (int32_t y = 0; y < height; ++y)
-            for (int32_t i = 0; i < rowBytes; i += 4) {
-                const float x = RandomFloat(random, hard);
-                std::memcpy(Row(y) + i, &x, sizeof(x));
-            }
+    for (int32_t y = 0; IsFloat(type) && y < height; ++y)
+        for (int32_t i = 0; i < rows_.Width() / 4; ++i)
+            rows_.Set(i, y, RandomFloat(random, hard));
 }
 
 std::ostream& operator<<(std::ostream& out, const Picture& p)
 {
-    out << "type " << p.type_ << ", " << p.Width() << "x" << p.Height() << ", stride " << p.stride_ << ":";
-    if (p.Width() * p.Height() <= 64)
-        for (int32_t y = 0; y < p.Height(); ++y) {
-            out << "\n";
-            for (int32_t i = 0; i < (BitsOf(p.type_) * p.Width() + 7) / 8; ++i)
-                out << " " << int32_t(p.Row(y)[i]);
-        }
-    return out;
+    return out << "type " << p.type_ << ", " << p.Width() << "x" << p.Height() << ", stride " << p.Stride();
 }
 
-double Difference(const Picture& a, const Picture& b, bool floats)
+double Difference(const Picture& a, const Picture& b)
 {
     double most = 0.0;
-    for (size_t i = 0; i < a.memory_.size(); ++i)
-        if (!floats)
-            most = std::max(most, std::fabs(double(a.memory_[i]) - b.memory_[i]));
-    for (int32_t y = 0; floats && y < a.Height(); ++y)
-        for (int32_t i = 0; i < a.Width() * BitsOf(a.type_) / 32; ++i) {
-            float x, z;
-            std::memcpy(&x, a.Row(y) + 4 * i, 4);
-            std::memcpy(&z, b.Row(y) + 4 * i, 4);
+    const bool floats = IsFloat(a.type_);
+    for (int32_t y = 0; y < a.Height(); ++y)
+        for (int32_t i = 0; i < a.rows_.Width() / (floats ? 4 : 1); ++i) {
+            const auto at = [&](const Frame& f) {
+                return double(floats ? f.Get<float>(i, y) : float(f.Get<uint8_t>(i, y)));
+            };
+            const double x = at(a.rows_), z = at(b.rows_);
             const bool equal = x == z || (std::isnan(x) && std::isnan(z));
             const double distance =
-                equal ? 0.0 : std::fabs(double(x) - z) / std::max(1.0, std::fabs(double(x)));
+                equal ? 0.0 : std::fabs(x - z) / (floats ? std::max(1.0, std::fabs(x)) : 1.0);
             most = distance >= 0.0 ? std::max(most, distance) : std::numeric_limits<double>::infinity();
         }
     return most;
@@ -441,20 +422,13 @@ struct SubpixelAxis
 void BlendWorking(Machine& m, const Machine& under, int64_t coverage)
 {
     const bool eight = m.x.depth == 0;
-    const int64_t weight = coverage * (eight ? 255 : 65535) / 16384;
+    const double weight = double(coverage * (eight ? 255 : 65535) / 16384);
+    Channels pixel = Slot(m.x, 0);
     for (size_t c = 0; c < 4; ++c) {
-        uint8_t* const at = reinterpret_cast<uint8_t*>(m.x.slots) + c * (eight ? 1 : 2);
-        const uint8_t* const from = reinterpret_cast<const uint8_t*>(under.x.slots) + c * (eight ? 1 : 2);
-        if (eight) {
-            *at = uint8_t((int64_t(*at) - *from) * weight / 256 + *from);
-            continue;
-        }
-        uint16_t s, d;
-        std::memcpy(&s, at, 2);
-        std::memcpy(&d, from, 2);
-        s = uint16_t(int64_t(std::floor(double((int64_t(s) - d) * weight) / 65536.0)) + d);
-        std::memcpy(at, &s, 2);
+        const double d = Slot(under.x, 0)[c], moved = (pixel[c] - d) * weight;
+        pixel[c] = d + (eight ? std::trunc(moved / 256.0) : std::floor(moved / 65536.0));
     }
+    PutSlot(m.x, 0, pixel);
 }
 
 void ModelSubpixel(Picture& dest, const Picture& source, const CopyArguments& a)
@@ -527,17 +501,13 @@ void ModelSet(Picture& dest, const RECT& area, const float (&colour)[4], uint32_
 {
     Machine m(dest, dest, flags, 1.0, 1.0);
     const float channels[] = {colour[2], colour[1], colour[0], colour[3]};
-    for (int32_t c = 0; c < 4; ++c) {
-        uint8_t* const slot = reinterpret_cast<uint8_t*>(m.x.slots);
-        if (m.x.depth == 2) {
-            std::memcpy(slot + 4 * c, &channels[c], 4);
-        } else if (m.x.depth == 1) {
-            const auto word = uint16_t(int64_t(std::trunc(channels[c] * 65535.0f)));
-            std::memcpy(slot + 2 * c, &word, 2);
-        } else {
-            slot[c] = uint8_t(int64_t(std::trunc(channels[c] * 255.0f)));
-        }
+    Channels pixel;
+    for (size_t c = 0; c < 4; ++c) {
+        const float top = m.x.depth == 1 ? 65535.0f : 255.0f;
+        const auto cut = int64_t(std::trunc(channels[c] * top));
+        pixel[c] = m.x.depth == 2 ? double(channels[c]) : double(cut & int64_t(top));
     }
+    PutSlot(m.x, 0, pixel);
     for (int32_t y = std::max(area.top, 0); y < std::min(area.bottom, dest.Height()); ++y)
         for (int32_t x = std::max(area.left, 0); x < std::min(area.right, dest.Width()); ++x)
             m.Write(dest, x, dest.Height() - 1 - y);
@@ -598,24 +568,12 @@ void ModelInterlace(Picture& dest, const RECT& destRect, const Picture& source, 
             m.x.readPixel(&m.x);
             below.SetSource(source, sourceRect.left + i, from + second);
             below.x.readPixel(&below.x);
-            for (size_t c = 0; c < 4 && !kept; ++c) {
-                const size_t bytes = m.x.depth == 2 ? 4 : m.x.depth == 1 ? 2 : 1;
-                uint8_t* const a = reinterpret_cast<uint8_t*>(m.x.slots) + c * bytes;
-                const uint8_t* const b = reinterpret_cast<const uint8_t*>(below.x.slots) + c * bytes;
-                float p = 0.0f, q = 0.0f;
-                uint32_t u = 0, v = 0;
-                std::memcpy(&p, a, bytes == 4 ? 4 : 0);
-                std::memcpy(&q, b, bytes == 4 ? 4 : 0);
-                std::memcpy(&u, a, bytes);
-                std::memcpy(&v, b, bytes);
-                if (bytes == 4) {
-                    p = (p + q) * 0.5f;
-                    std::memcpy(a, &p, 4);
-                } else {
-                    u = (u + v) / 2;
-                    std::memcpy(a, &u, bytes);
-                }
-            }
+            Channels a = Slot(m.x, 0);
+            const Channels b = Slot(below.x, 0);
+            for (size_t c = 0; c < 4 && !kept; ++c)
+                a[c] = m.x.depth == 2 ? double((float(a[c]) + float(b[c])) * 0.5f)
+                                      : std::floor((a[c] + b[c]) / 2.0);
+            PutSlot(m.x, 0, a);
             m.Write(dest, destRect.left + i, to + r);
         }
 }

@@ -32,26 +32,27 @@ public:
     }
     BITMAPINFOHEADER* Header() { return reinterpret_cast<BITMAPINFOHEADER*>(front_.data()); }
     const RGBQUAD* Table() const { return reinterpret_cast<const RGBQUAD*>(front_.data() + 40); }
+    RGBQUAD* Table() { return reinterpret_cast<RGBQUAD*>(front_.data() + 40); } // black behind its entries
     int32_t Type() const { return type_; }
     int32_t Width() const { return Header()->biWidth; }
     int32_t Height() const { return Header()->biHeight; }
-    int32_t Stride() const { return stride_; }
-    void* Pixels() { return memory_.data() + offset_; }
-    const void* Pixels() const { return memory_.data() + offset_; }
+    int32_t Stride() const { return rows_.Stride(); }
+    void* Pixels() { return rows_.Data(); }
+    const void* Pixels() const { return rows_.Data(); }
     // y counts in memory.
-    uint8_t* Row(int64_t y) { return memory_.data() + int64_t(offset_) + stride_ * y; }
-    const uint8_t* Row(int64_t y) const { return memory_.data() + int64_t(offset_) + stride_ * y; }
+    uint8_t* Row(int64_t y) { return rows_.Row(int32_t(y)); }
+    const uint8_t* Row(int64_t y) const { return rows_.Row(int32_t(y)); }
     RECT Whole() const { return {0, 0, Width(), Height()}; }
 
-    friend bool operator==(const Picture& a, const Picture& b) { return a.memory_ == b.memory_; }
+    friend bool operator==(const Picture& a, const Picture& b) { return a.rows_ == b.rows_; }
     friend std::ostream& operator<<(std::ostream& out, const Picture& p);
     // The largest difference between floats, or between bytes, of the two; a NaN differs from all else.
-    friend double Difference(const Picture& a, const Picture& b, bool floats);
+    friend double Difference(const Picture& a, const Picture& b);
 
 private:
-    int32_t type_, stride_;
-    size_t offset_;
-    std::vector<uint8_t> front_, memory_;
+    int32_t type_;
+    std::vector<uint8_t> front_; // header and table
+    Frame rows_;                 // of bytes
 };
 
 struct CopyArguments

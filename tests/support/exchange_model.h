@@ -5,6 +5,7 @@
 #include "dib/curves.h"
 #include "support/random.h"
 #include "vx/pixel.h"
+#include "vx/xchg.h"
 
 #include <algorithm>
 #include <array>
@@ -18,6 +19,38 @@ namespace vxtest {
 
 // Blue, green, red, alpha, at any depth.
 using Channels = std::array<double, 4>;
+
+inline Channels WorkingAt(const void* pixels, int32_t depth, size_t stride, size_t i)
+{
+    const auto* const p = static_cast<const uint8_t*>(pixels) + stride * i;
+    uint16_t words[4] = {};
+    float values[4] = {};
+    std::memcpy(words, p, depth == 1 ? sizeof(words) : 0);
+    std::memcpy(values, p, depth == 2 ? sizeof(values) : 0);
+    Channels out;
+    for (size_t c = 0; c < 4; ++c)
+        out[c] = depth == 0 ? p[c] : depth == 1 ? words[c] : double(values[c]);
+    return out;
+}
+
+inline void StoreWorking(void* pixels, int32_t depth, size_t stride, size_t i, const Channels& pixel)
+{
+    const size_t bytes = size_t(1) << depth;
+    for (size_t c = 0; c < 4; ++c) {
+        const uint32_t value = depth == 2 ? std::bit_cast<uint32_t>(float(pixel[c])) : uint32_t(pixel[c]);
+        std::memcpy(static_cast<uint8_t*>(pixels) + stride * i + bytes * c, &value, bytes); // low bytes first
+    }
+}
+
+inline void PutSlot(tVXXCHG& x, size_t i, const Channels& pixel)
+{
+    StoreWorking(x.slots, x.depth, x.depth == 2 ? 16 : 8, i, pixel);
+}
+
+inline Channels Slot(const tVXXCHG& x, size_t i)
+{
+    return WorkingAt(x.slots, x.depth, x.depth == 2 ? 16 : 8, i);
+}
 
 enum class Kind
 {

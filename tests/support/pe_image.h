@@ -1,33 +1,13 @@
-// A small PE image with a version resource, built from nothing.
+// A version resource, built from nothing, and a PE image that holds it.
 #pragma once
 
-#include <cstdint>
-#include <cstring>
+#include "support/resource_image.h"
+
 #include <string>
 #include <utility>
 #include <vector>
 
 namespace vxtest {
-
-using Bytes = std::vector<uint8_t>;
-
-template <class T>
-void Append(Bytes& bytes, T value)
-{
-    const auto* first = reinterpret_cast<const uint8_t*>(&value);
-    bytes.insert(bytes.end(), first, first + sizeof(value));
-}
-
-template <class T>
-void Store(Bytes& bytes, size_t offset, T value)
-{
-    std::memcpy(bytes.data() + offset, &value, sizeof(value));
-}
-
-inline void Align(Bytes& bytes)
-{
-    bytes.resize((bytes.size() + 3) / 4 * 4);
-}
 
 // A node of a version resource. Text values have a terminator.
 inline Bytes VersionNode(const std::u16string& key, const Bytes& value, bool isText,
@@ -77,46 +57,11 @@ inline Bytes VersionResource(const VersionTexts& texts)
          VersionNode(u"VarFileInfo", {}, true, {VersionNode(u"Translation", translation, false)})});
 }
 
-// Offsets within the image.
-constexpr uint32_t kPeStart = 64, kResourceOffset = 512, kResourceAddress = 0x1000;
-constexpr uint32_t kVersionOffset = kResourceOffset + 3 * 24 + 16;
+constexpr uint32_t kVersionOffset = kResourceOffset + 3 * 24 + 16; // within the image below
 
-// One section, which holds the resources: a type, a name, a language and the version resource.
 inline Bytes PeImage(const Bytes& version, bool wide)
 {
-    Bytes image(kResourceOffset);
-    const uint32_t optionalSize = wide ? 240 : 224, optional = kPeStart + 24;
-    Store<uint16_t>(image, 0, 0x5A4D);
-    Store(image, 0x3C, kPeStart);
-    Store(image, kPeStart, 0x4550);
-    Store<uint16_t>(image, kPeStart + 6, 1);
-    Store<uint16_t>(image, kPeStart + 20, uint16_t(optionalSize));
-    Store<uint16_t>(image, optional, wide ? 0x20B : 0x10B);
-    const uint32_t count = optional + (wide ? 108 : 92);
-    const uint32_t size = 3 * 24 + 16 + uint32_t(version.size());
-    Store(image, count, 16);
-    Store(image, count + 4 + 2 * 8, kResourceAddress);
-    Store(image, count + 4 + 2 * 8 + 4, size);
-    const uint32_t section = optional + optionalSize;
-    Store(image, section + 8, size);
-    Store(image, section + 12, kResourceAddress);
-    Store(image, section + 16, size);
-    Store(image, section + 20, kResourceOffset);
-
-    constexpr uint32_t kSubdirectory = 0x80000000u;
-    const uint32_t entries[3][2] = {{16, kSubdirectory | 24}, {1, kSubdirectory | 48}, {0x409, 72}};
-    for (const auto& entry : entries) {
-        const size_t directory = image.size();
-        image.resize(directory + 16);
-        Store<uint16_t>(image, directory + 14, 1);
-        Append(image, entry[0]);
-        Append(image, entry[1]);
-    }
-    Append(image, kResourceAddress + 88);
-    Append(image, uint32_t(version.size()));
-    Append(image, uint64_t(0));
-    image.insert(image.end(), version.begin(), version.end());
-    return image;
+    return PeImage({{16, 1, 0x409, version}}, wide);
 }
 
 } // namespace vxtest

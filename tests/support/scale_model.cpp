@@ -232,12 +232,8 @@ struct Pixel
     bool blends; // covered in part, and asked to blend
 };
 
-struct ByteValue
-{
-    std::optional<int64_t> value; // none leaves the pixel
-};
-
-ByteValue ModelByte(Kernel kernel, const Pixel& p, const Source<uint8_t>& s, int32_t c)
+// None leaves the pixel.
+std::optional<int64_t> ModelByte(Kernel kernel, const Pixel& p, const Source<uint8_t>& s, int32_t c)
 {
     const auto cubicOf = [](const Taps& taps, const std::function<int64_t(int64_t)>& value) {
         int64_t sum = 0;
@@ -268,7 +264,7 @@ ByteValue ModelByte(Kernel kernel, const Pixel& p, const Source<uint8_t>& s, int
             return {int64_t(
                 std::nearbyint(double(sum) * (1.0 / double(p.ax.ratio * p.ay.ratio / kOne)) + 1.5e-8))};
         const int64_t area = p.x.span * p.y.span / kOne;
-        return area < 1 ? ByteValue{} : ByteValue{std::min<int64_t>(sum / area, 255)};
+        return area < 1 ? std::nullopt : std::optional(std::min<int64_t>(sum / area, 255));
     }
     default:
         break;
@@ -359,31 +355,14 @@ std::optional<float> ModelFloat(Kernel kernel, const Pixel& p, const Source<floa
     return cubic ? limited(value) : value;
 }
 
-struct Walks
+// By the kernel.
+constexpr struct
 {
     Walk x, y;
-};
-
-Walks WalksOf(Kernel kernel)
-{
-    switch (kernel) {
-    case Kernel::Linear:
-        return {Walk::Linear, Walk::Linear};
-    case Kernel::Cubic:
-        return {Walk::Cubic, Walk::Cubic};
-    case Kernel::Box:
-        return {Walk::Box, Walk::Box};
-    case Kernel::BoxXLinear:
-        return {Walk::Box, Walk::LinearBesideX};
-    case Kernel::BoxYLinear:
-        return {Walk::LinearBesideY, Walk::Box};
-    case Kernel::BoxXCubic:
-        return {Walk::Box, Walk::CubicBesideX};
-    case Kernel::BoxYCubic:
-        return {Walk::CubicBesideY, Walk::Box};
-    }
-    return {};
-}
+} kWalks[] = {{Walk::Linear, Walk::Linear},     {Walk::Cubic, Walk::Cubic},
+              {Walk::Box, Walk::Box},           {Walk::Box, Walk::LinearBesideX},
+              {Walk::LinearBesideY, Walk::Box}, {Walk::Box, Walk::CubicBesideX},
+              {Walk::CubicBesideY, Walk::Box}};
 
 RECT Whole(const Frame& frame, const ScaleCall& call)
 {
@@ -441,7 +420,7 @@ void ModelScale(const ScaleCall& call, Frame& dest, const Frame& source)
         return;
     }
     const Kernel kernel = KernelOf(call, ax, ay);
-    const Walks walks = WalksOf(kernel);
+    const auto& walks = kWalks[size_t(kernel)];
     const bool boxed = kernel != Kernel::Linear && kernel != Kernel::Cubic;
     for (const Place& y : Places(ay, walks.y))
         for (const Place& x : Places(ax, walks.x))
@@ -450,13 +429,12 @@ void ModelScale(const ScaleCall& call, Frame& dest, const Frame& source)
                 const int64_t coverage = x.coverage * y.coverage / kOne;
                 const Pixel p{ax, ay, x, y, !call.noEdgeBlend && coverage != kOne};
                 if (call.bytesPerPixel == 4) {
-                    const ByteValue v = ModelByte(kernel, p, {source}, c);
-                    if (!v.value)
+                    const auto v = ModelByte(kernel, p, {source}, c);
+                    if (!v)
                         continue;
                     const uint8_t old = dest.Get<uint8_t>(element, row);
                     dest.Set(element, row,
-                             p.blends ? BlendedByte(old, *v.value, coverage * 255 / kOne)
-                                      : uint8_t(*v.value));
+                             p.blends ? BlendedByte(old, *v, coverage * 255 / kOne) : uint8_t(*v));
                 } else {
                     const std::optional<float> v = ModelFloat(kernel, p, {source}, c);
                     if (!v)

@@ -95,7 +95,7 @@ const ForeignCase kForeign[] = {
     {"four masks behind", {40, -2, 32, 6, 0, kRedFirst, {}, {255, 0, 85, 85}}, VXPIXEL_RGBA32, 0xFF005555},
     {"4 bits a channel", {108, -2, 16, 3, 0, kFour, {}, {0x05, 0xFA}}, VXPIXEL_RGBA32, 0xAA0055FF},
     {"too deep for 8 bits", {40, -2, 32, 3, 0, kTen, {}, {0xFF, 3}}, VXPIXEL_RGBA64, 0xFF0000FF},
-    {"5, 6, 5", {52, -2, 16, 3, 0, k565, {}, {0x1F, 0xF8}}, VXPIXEL_RGB565, 0xFF00FFFF},
+    {"5, 6, 5", {52, -2, 16, 3, 0, k565, {}, {0x1F, 0xF8}}, VXPIXEL_RGB565, 0xF800F8FF},
     {"short palette", {40, -2, 8, 0, 2, {}, kTwoColours, {1}}, VXPIXEL_PAL8, 0x0055FFFF},
     {"an index behind the palette", {40, -2, 8, 0, 2, {}, kTwoColours, {9}}, VXPIXEL_PAL8, 0x000000FF},
     {"palette of no told length", {40, -2, 1, 0, 0, {}, kTwoColours, {0x80}}, VXPIXEL_PAL1, 0x0055FFFF},

@@ -96,6 +96,8 @@ TEST_F(TextCommand, TimecodesConvertAndCount)
         {"timecode 00:01:00:00 --from 29.97drop --to 29.97drop --only frames", "1800\n"},
         {"timecode 600600000 --nanos --from 29.97drop --to 30 --only label", "00:01:00:01\n"},
         {"timecode 0:10:0 --add 5 --subtract 1:0 --step -1 --from 25 --to 25 --only label", "00:00:09:04\n"},
+        {"lang Retry --language de --language ja", "Retry\n  de     &Wiederholen\n  ja     再試行(&R)\n"},
+        {"lang Retry --language nb --missing", "nb: 1 of 1 texts are translated\n"},
         {"timecode --table 00:00:59:28..00:01:00:03 --from 29.97drop --only label",
          "00:00:59;28\n00:00:59;29\n00:01:00;02\n00:01:00;03\n"},
         {"timecode --table 23:59:59:26..1 --step 5 --only frames", "2591996\n1\n"},
@@ -118,6 +120,30 @@ TEST_F(TextCommand, RulersShowAndRead)
     EXPECT_THAT(
         Run("ruler 37235000000").out,
         HasSubstr("\nsmpte-drop                          01:02:03;15                   01:02:03;15\n"));
+}
+
+TEST_F(TextCommand, PathsComeApartAndAreRelated)
+{
+    constexpr Case kCases[] = {
+        {"path 'Q:\\a b\\x.tar.gz' 'Q:\\'", "Q:\\a b\\x.tar.gz\n"
+                                            "  root       Q:\\\n"
+                                            "  folder     Q:\\a b\\\n"
+                                            "  name       x.tar.gz\n"
+                                            "  stem       x.tar\n"
+                                            "  extension  .gz\n"
+                                            "  full       Q:\\a b\\x.tar.gz\n"
+                                            "Q:\\\n"
+                                            "  root       Q:\\\n"
+                                            "  folder     Q:\\\n"
+                                            "  full       Q:\\\n"},
+        {"path 'Q:\\t10.wav' T9.wav b.txt --match '*.wav' --sort", "Q:\\t10.wav\nT9.wav\n"},
+        {"path t10.wav T9.wav --sort --only stem", "T9\nt10\n"},
+        {"path é.txt --match '*.wav'", ""},
+        {"path 'D:\\É\\b\\c.txt' --against 'Q:\\é\\b\\c.txt'",
+         "D:\\É\\b\\c.txt\n  own        D:\\\n  common     É\\b\\c.txt\n"},
+        {"path 'C:\\Old\\x' --from 'c:\\old' --to ''", "\\x\n"},
+    };
+    Expect(0, kCases);
 }
 
 TEST_F(TextCommand, WhatCannotBeReadIsShownWithACaret)
@@ -156,6 +182,11 @@ TEST_F(TextCommand, RequestsThatContradictAreRefused)
         {"print \"$(printf '\\355\\240\\200')\"", "is not UTF-8"}, // half a pair of surrogates
         {"print \"$(printf '\\300\\257')\"", "is not UTF-8"},      // a slash in two bytes
         {"print \"$(printf 'a\\303')\"", "is not UTF-8"},
+        {"path x --from y", "--from and --to go together"},
+        {"path x --from y --to z", "'x' does not begin with 'y'"},
+        {"path x --only name --against y", "exclude each other"},
+        {"path ''", "a path is empty"},
+        {"path $(printf '%0260d' 0)", "a path has at most 259 characters"},
         {"print x --token =v", "--token takes NAME=VALUE, not '=v'"},
     };
     Expect(2, kCases);

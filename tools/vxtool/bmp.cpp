@@ -7,6 +7,7 @@
 #include <bit>
 #include <cstring>
 #include <iomanip>
+#include <limits>
 
 namespace vxtool {
 namespace {
@@ -16,6 +17,32 @@ constexpr uint32_t kHeaderSizes[] = {40, 52, 56, 108, 124};
 constexpr uint32_t kAlphaBitfields = 6; // BI_BITFIELDS with a fourth mask
 constexpr uint32_t kV4Bytes = 108;
 constexpr uint32_t kSrgb = 0x73524742; // colour space of a V4 header
+
+// A pixel packed into whole bytes of which each channel is a run of bits.
+struct PackedLayout
+{
+    int32_t bytes;
+    uint32_t blue, green, red, alpha; // masks; 0 where there is no such channel
+
+    friend bool operator==(const PackedLayout&, const PackedLayout&) = default;
+};
+
+// The layouts that are types of the library's.
+struct TypeLayout
+{
+    VxPixelType type;
+    PackedLayout layout;
+    // Bits that the library takes for alpha, and in which files keep nothing.
+    uint32_t unused;
+};
+
+constexpr TypeLayout kTypeLayouts[] = {
+    {VXPIXEL_RGB555, {2, 0x001F, 0x03E0, 0x7C00, 0}, 0},
+    {VXPIXEL_RGB565, {2, 0x001F, 0x07E0, 0xF800, 0}, 0},
+    {VXPIXEL_RGB32, {4, 0x000000FF, 0x0000FF00, 0x00FF0000, 0}, 0xFF000000},
+    {VXPIXEL_RGBA32, {4, 0x000000FF, 0x0000FF00, 0x00FF0000, 0xFF000000}, 0},
+    {VXPIXEL_RGB101010, {4, 0x000003FF, 0x000FFC00, 0x3FF00000, 0}, 0xC0000000},
+};
 
 uint32_t Word32(std::span<const uint8_t> bytes, size_t at)
 {
@@ -161,20 +188,14 @@ std::vector<RGBQUAD> ReadPalette(const BmpFile& file)
     return palette;
 }
 
-bool SameMasks(const PackedLayout& a, const PackedLayout& b)
+// Files keep nothing in the bits that the library takes for alpha: they are made opaque.
+void SetUnusedBits(uint8_t* row, int32_t width, VxPixelType type)
 {
-    return a.bytes == b.bytes && a.blue == b.blue && a.green == b.green && a.red == b.red &&
-           a.alpha == b.alpha;
-}
-
-// The type whose pixels look just so; 0 if there is none.
-VxPixelType TypeOfLayout(const PackedLayout& layout)
-{
-    for (const VxPixelType type :
-         {VXPIXEL_RGB555, VXPIXEL_RGB565, VXPIXEL_RGB32, VXPIXEL_RGBA32, VXPIXEL_RGB101010})
-        if (SameMasks(layout, LayoutOf(type)))
-            return type;
-    return VxPixelType(0);
+    const auto* found = std::ranges::find(kTypeLayouts, type, &TypeLayout::type);
+    if (found == std::end(kTypeLayouts) || found->unused == 0)
+        return;
+    for (int32_t x = 0; x < width; ++x, row += 4)
+        row[3] |= uint8_t(found->unused >> 24);
 }
 
 Dib CopiedRows(const BmpFile& file, VxPixelType type)
@@ -184,8 +205,33 @@ Dib CopiedRows(const BmpFile& file, VxPixelType type)
     for (int32_t y = 0; y < file.height; ++y) {
         const auto row = file.Row(y);
         std::memcpy(dib.Row(y), row.data(), row.size());
+        SetUnusedBits(dib.Row(y), dib.Width(), type);
     }
     return dib;
+}
+
+// The nearest value of 0 to top for a run of bits.
+uint32_t Scaled(uint32_t word, uint32_t mask, uint32_t missing, uint32_t top)
+{
+    if (mask == 0)
+        return missing;
+    const int shift = std::countr_zero(mask);
+    const uint64_t full = mask >> shift;
+    return uint32_t((uint64_t((word & mask) >> shift) * top + full / 2) / full);
+}
+
+template <class Channel>
+void UnpackRow(const PackedLayout& layout, const uint8_t* from, uint8_t* to, int32_t width)
+{
+    constexpr uint32_t kTop = std::numeric_limits<Channel>::max();
+    for (int32_t x = 0; x < width; ++x, from += layout.bytes, to += 4 * sizeof(Channel)) {
+        uint32_t word = 0;
+        std::memcpy(&word, from, size_t(layout.bytes));
+        const Channel pixel[] = {
+            Channel(Scaled(word, layout.blue, 0, kTop)), Channel(Scaled(word, layout.green, 0, kTop)),
+            Channel(Scaled(word, layout.red, 0, kTop)), Channel(Scaled(word, layout.alpha, kTop, kTop))};
+        std::memcpy(to, pixel, sizeof(pixel));
+    }
 }
 
 Dib UnpackedRows(const BmpFile& file, const PackedLayout& layout)
@@ -193,16 +239,9 @@ Dib UnpackedRows(const BmpFile& file, const PackedLayout& layout)
     const auto wide = [](uint32_t mask) { return std::popcount(mask) > 8; };
     const bool deep = wide(layout.red) || wide(layout.green) || wide(layout.blue) || wide(layout.alpha);
     Dib dib(deep ? VXPIXEL_RGBA64 : VXPIXEL_RGBA32, file.head.info.biWidth, file.height);
-    RowStore store(dib);
-    std::vector<Colour> row(size_t(dib.Width()));
-    for (int32_t y = 0; y < file.height; ++y) {
-        const uint8_t* pixel = file.Row(y).data();
-        for (Colour& c : row) {
-            c = Unpacked(layout, pixel);
-            pixel += layout.bytes;
-        }
-        store(y, row);
-    }
+    const auto unpack = deep ? UnpackRow<uint16_t> : UnpackRow<uint8_t>;
+    for (int32_t y = 0; y < file.height; ++y)
+        unpack(layout, file.Row(y).data(), dib.Row(y), dib.Width());
     return dib;
 }
 
@@ -210,8 +249,8 @@ Dib ReadPixels(const BmpFile& file)
 {
     if (HasMasks(file.head)) {
         const PackedLayout layout = FileLayout(file);
-        const VxPixelType type = TypeOfLayout(layout);
-        return type != 0 ? CopiedRows(file, type) : UnpackedRows(file, layout);
+        const auto* known = std::ranges::find(kTypeLayouts, layout, &TypeLayout::layout);
+        return known != std::end(kTypeLayouts) ? CopiedRows(file, known->type) : UnpackedRows(file, layout);
     }
     return CopiedRows(file, VxPixelType(VxGetPixelType(&file.head.info)));
 }
@@ -239,9 +278,8 @@ void Append(std::vector<uint8_t>& bytes, const T& value)
 // Straight alpha that other programs understand too: a V4 header with four masks.
 void AppendAlphaHeader(std::vector<uint8_t>& bytes, const Dib& dib)
 {
-    const PackedLayout& layout = LayoutOf(VXPIXEL_RGBA32);
     const size_t start = bytes.size();
-    Head head{*dib.Header(), layout.red, layout.green, layout.blue, layout.alpha};
+    Head head{*dib.Header(), 0x00FF0000, 0x0000FF00, 0x000000FF, 0xFF000000};
     head.info.biSize = kV4Bytes;
     head.info.biCompression = BI_BITFIELDS;
     Append(bytes, head);

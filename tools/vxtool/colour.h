@@ -31,13 +31,10 @@ constexpr Colour Straight(const Colour& c)
 {
     if (c.alpha == 1.0f || c.alpha == 0.0f)
         return c;
-    return {c.blue / c.alpha, c.green / c.alpha, c.red / c.alpha, c.alpha};
-}
-
-// Brightness as the eye weighs it (BT.601 luma).
-constexpr float Luma(const Colour& c)
-{
-    return 0.114f * c.blue + 0.587f * c.green + 0.299f * c.red;
+    // Multiplying and dividing may end an ulp or two below a byte's level, and the library cuts what is
+    // below to the next byte down.
+    const float scale = (1.0f + 0x1p-21f) / c.alpha;
+    return {c.blue * scale, c.green * scale, c.red * scale, c.alpha};
 }
 
 // The nearest integer of 0 to top; a NaN gives 0.

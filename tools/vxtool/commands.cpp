@@ -1,7 +1,6 @@
 #include "vxtool/commands.h"
 
 #include "vx/channels.h"
-#include "vxtool/failure.h"
 
 #include <iostream>
 #include <new>
@@ -10,9 +9,9 @@ namespace vxtool {
 namespace {
 
 constexpr const Command* kCommands[] = {
-    &kInfo,      &kFlip,  &kSwap,  &kChannel,   &kBars,     &kRamp,  &kZone,  &kChecker,
-    &kFill,      &kLut,   &kMap,   &kThreshold, &kMultiply, &kMask,  &kBlend, &kFade,
-    &kComposite, &kSheet, &kPrint, &kNumber,    &kTimecode, &kRuler,
+    &kInfo, &kConvert,   &kPalette, &kPixel, &kFlip,   &kSwap,     &kChannel,   &kScale,    &kFields, &kBars,
+    &kRamp, &kZone,      &kChecker, &kFill,  &kLut,    &kMap,      &kThreshold, &kMultiply, &kMask,   &kBlend,
+    &kFade, &kComposite, &kSheet,   &kPrint, &kNumber, &kTimecode, &kRuler,     &kPath,     &kLang,
 };
 
 std::string Overview()
@@ -117,12 +116,12 @@ Form FormOf(const Arguments& arguments)
     return arguments.Has("--float") ? Form::Floats : Form::Bytes;
 }
 
-VxPixelType AskedType(const Arguments& arguments)
+VxPixelType AskedType(const Arguments& arguments, const char* option)
 {
-    const std::string* name = arguments.Text("--type");
+    const std::string* name = arguments.Text(option);
     const VxPixelType type = name ? TypeNamed(*name) : VXPIXEL_UNKNOWN;
     if (name && type == VXPIXEL_UNKNOWN)
-        FailArgument("--type takes one of ", AllTypeNames(), ", not '", *name, "'");
+        FailArgument(option, " takes one of ", AllTypeNames(), ", not '", *name, "'");
     return type;
 }
 
@@ -130,6 +129,15 @@ Output::Output(const Arguments& arguments, size_t operand, Form form)
     : path_(arguments.Operand(operand)),
       type_(CheckOutput(path_, AskedType(arguments), form == Form::Floats ? VXPIXEL_RGBA64 : VXPIXEL_RGBA32))
 {}
+
+Dib LoadDib(const Arguments& arguments, size_t in, size_t out)
+{
+    const VxPixelType asked = AskedType(arguments);
+    CheckOutput(arguments.Operand(out), asked);
+    Dib dib = ReadPicture(arguments.Operand(in)).dib;
+    const VxPixelType type = CheckOutput(arguments.Operand(out), asked, dib.Type());
+    return Converted(std::move(dib), type);
+}
 
 Frame LoadFrame(const std::string& path, Form form)
 {
@@ -139,9 +147,7 @@ Frame LoadFrame(const std::string& path, Form form)
 Frame LoadPartner(const std::string& path, Form form, const Frame& first, const std::string& firstPath)
 {
     Frame frame = LoadFrame(path, form);
-    if (frame.Width() != first.Width() || frame.Height() != first.Height())
-        FailArgument(firstPath, " is ", first.Width(), "x", first.Height(), " and ", path, " is ",
-                     frame.Width(), "x", frame.Height(), " pixels; they must be of one size");
+    CheckSameSize(firstPath, first, path, frame);
     return frame;
 }
 

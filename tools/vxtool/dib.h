@@ -3,7 +3,6 @@
 #pragma once
 
 #include "vx/pixel.h"
-#include "vxtool/colour.h"
 
 #include <memory>
 #include <span>
@@ -11,17 +10,6 @@
 #include <string_view>
 
 namespace vxtool {
-
-// A palette entry or pixel packed into whole bytes of which each channel is a run of bits.
-struct PackedLayout
-{
-    int32_t bytes;
-    uint32_t blue, green, red, alpha; // masks; 0 where there is no such channel
-};
-
-Colour Unpacked(const PackedLayout& layout, const uint8_t* pixel);
-// The masks of a type from 25 to 30.
-const PackedLayout& LayoutOf(VxPixelType type);
 
 class Dib
 {
@@ -54,31 +42,12 @@ private:
     uint32_t pixelOffset_, rowBytes_;
 };
 
-// Straight colours of one row. A type without alpha reads as opaque, and so does the fourth byte of
-// RGB32, which few programs set. An index behind the end of the palette is black.
-void LoadRow(const Dib& dib, int32_t y, std::span<Colour> row);
-
-// Stores rows. Colours are cut to the type's range; types without alpha drop it; palette types take
-// the nearest entry.
-class RowStore
-{
-public:
-    explicit RowStore(Dib& dib);
-    ~RowStore();
-    void operator()(int32_t y, std::span<const Colour> row);
-
-private:
-    struct NearestEntry;
-    Dib& dib_;
-    std::unique_ptr<NearestEntry> nearest_;
-};
-
 // Names of types on the command line and in `info`, as "rgba32"; 0 and null where there is none.
 VxPixelType TypeNamed(std::string_view name);
 const char* NameOfType(VxPixelType type);
 std::string AllTypeNames();
 bool HasAlpha(VxPixelType type);
 bool IsPaletteType(VxPixelType type);
-bool IsGrayType(VxPixelType type);
+bool IsFloatType(VxPixelType type);
 
 } // namespace vxtool

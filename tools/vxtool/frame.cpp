@@ -1,68 +1,41 @@
 #include "vxtool/frame.h"
 
+#include "vx/dibcopy.h"
+#include "vxtool/conversion.h"
 #include "vxtool/failure.h"
 #include "vxtool/size_limits.h"
 
 #include <cstring>
-#include <set>
 
 namespace vxtool {
 namespace {
 
-RGBQUAD Quad(uint32_t red, uint32_t green, uint32_t blue)
+void StorePixel(uint8_t* at, Form form, const Colour& c)
 {
-    return {BYTE(blue), BYTE(green), BYTE(red), 0};
+    if (form == Form::Floats) {
+        std::memcpy(at, &c, sizeof(c));
+        return;
+    }
+    const float channels[] = {c.blue, c.green, c.red, c.alpha};
+    for (int i = 0; i < 4; ++i)
+        at[i] = uint8_t(Quantized(channels[i], 255));
 }
 
-// A cube of colours with equal steps, and grays in the entries that are left.
-std::vector<RGBQUAD> EvenPalette(uint32_t bits)
+// Straight pixels in a frame's own form, opaque where alpha is not wanted.
+Dib StraightDib(const Frame& frame, bool withAlpha)
 {
-    if (bits == 1)
-        return {Quad(0, 0, 0), Quad(255, 255, 255)};
-    const uint32_t steps = bits == 4 ? 2 : 6, grays = (1u << bits) - steps * steps * steps;
-    std::vector<RGBQUAD> palette;
-    for (uint32_t i = 0; i < steps * steps * steps; ++i) {
-        const auto level = [steps](uint32_t step) { return step % steps * 255 / (steps - 1); };
-        palette.push_back(Quad(level(i / steps / steps), level(i / steps), level(i)));
-    }
-    for (uint32_t i = 1; i <= grays; ++i) {
-        const uint32_t gray = i * 255 / (grays + 1);
-        palette.push_back(Quad(gray, gray, gray));
-    }
-    return palette;
-}
-
-// The picture's own colours in ascending order; empty if there are more than that many.
-std::vector<RGBQUAD> OwnPalette(const Frame& frame, size_t most)
-{
-    std::set<uint32_t> colours;
+    const bool bytes = frame.PixelForm() == Form::Bytes;
+    Dib dib(bytes ? VXPIXEL_RGBA32 : VXPIXEL_RGBA128, frame.Width(), frame.Height());
     for (int32_t y = 0; y < frame.Height(); ++y)
         for (int32_t x = 0; x < frame.Width(); ++x) {
-            const Colour c = frame.Get(x, y);
-            colours.insert(Quantized(c.red, 255) << 16 | Quantized(c.green, 255) << 8 |
-                           Quantized(c.blue, 255));
-            if (colours.size() > most)
-                return {};
+            Colour c = frame.Get(x, y);
+            if (withAlpha)
+                c = Straight(c);
+            else
+                c.alpha = 1.0f;
+            StorePixel(dib.Row(y) + size_t(x) * size_t(frame.BytesPerPixel()), frame.PixelForm(), c);
         }
-    std::vector<RGBQUAD> palette;
-    for (const uint32_t c : colours)
-        palette.push_back(Quad(c >> 16, c >> 8, c));
-    return palette;
-}
-
-std::vector<RGBQUAD> PaletteFor(const Frame& frame, VxPixelType type)
-{
-    if (!IsPaletteType(type))
-        return {};
-    const uint32_t bits = uint32_t(VxPixelTypeToBitAttribs(type, nullptr, nullptr, 0, nullptr));
-    const auto own = OwnPalette(frame, size_t(1) << bits);
-    return own.empty() ? EvenPalette(bits) : own;
-}
-
-void LoadFrameRow(const Frame& frame, int32_t y, std::span<Colour> row)
-{
-    for (int32_t x = 0; x < frame.Width(); ++x)
-        row[size_t(x)] = frame.Get(x, y);
+    return dib;
 }
 
 } // namespace
@@ -78,7 +51,7 @@ Colour Frame::Get(int32_t x, int32_t y) const
 {
     const uint8_t* at = At(x, y);
     if (form_ == Form::Bytes)
-        return Unpacked(LayoutOf(VXPIXEL_RGBA32), at);
+        return {float(at[0]) / 255.0f, float(at[1]) / 255.0f, float(at[2]) / 255.0f, float(at[3]) / 255.0f};
     Colour colour;
     std::memcpy(&colour, at, sizeof(colour));
     return colour;
@@ -86,22 +59,22 @@ Colour Frame::Get(int32_t x, int32_t y) const
 
 void Frame::Set(int32_t x, int32_t y, const Colour& c)
 {
-    uint8_t* at = At(x, y);
-    if (form_ == Form::Floats) {
-        std::memcpy(at, &c, sizeof(c));
-        return;
-    }
-    const float channels[] = {c.blue, c.green, c.red, c.alpha};
-    for (int i = 0; i < 4; ++i)
-        at[i] = uint8_t(Quantized(channels[i], 255));
+    StorePixel(At(x, y), form_, c);
+}
+
+FrameBitmap::FrameBitmap(Frame& frame) : pixels(frame.At(0, frame.Height() - 1)), stride(-frame.Stride())
+{
+    VxVideo_InitBitmapInfo(&header, frame.PixelForm() == Form::Bytes ? VXPIXEL_RGBA32 : VXPIXEL_RGBA128,
+                           frame.Width(), frame.Height(), nullptr, 0, nullptr);
 }
 
 Frame ToFrame(const Dib& dib, Form form)
 {
     Frame frame(dib.Width(), dib.Height(), form);
+    const RowLoader load(dib);
     std::vector<Colour> row(size_t(dib.Width()));
     for (int32_t y = 0; y < dib.Height(); ++y) {
-        LoadRow(dib, y, row);
+        load(y, row);
         for (int32_t x = 0; x < dib.Width(); ++x)
             frame.Set(x, y, Premultiplied(row[size_t(x)]));
     }
@@ -110,26 +83,17 @@ Frame ToFrame(const Dib& dib, Form form)
 
 Dib ToDib(const Frame& frame, VxPixelType type)
 {
-    Dib dib(type, frame.Width(), frame.Height(), PaletteFor(frame, type));
-    RowStore store(dib);
-    std::vector<Colour> row(size_t(frame.Width()));
-    for (int32_t y = 0; y < frame.Height(); ++y) {
-        LoadFrameRow(frame, y, row);
-        if (HasAlpha(type))
-            std::ranges::transform(row, row.begin(), Straight);
-        store(y, row);
-    }
-    return dib;
+    return Converted(StraightDib(frame, HasAlpha(type)), type);
 }
 
-Frame InForm(const Frame& frame, Form form)
+Frame InForm(Frame frame, Form form)
 {
     if (frame.PixelForm() == form)
         return frame;
     Frame result(frame.Width(), frame.Height(), form);
-    for (int32_t y = 0; y < frame.Height(); ++y)
-        for (int32_t x = 0; x < frame.Width(); ++x)
-            result.Set(x, y, frame.Get(x, y));
+    const FrameBitmap from(frame), to(result);
+    CheckStatus(VxDibCopy(&to.header, to.pixels, nullptr, to.stride, &from.header, from.pixels, nullptr,
+                          from.stride, uint32_t(kFineQuality), 0.0, 0.0));
     return result;
 }
 

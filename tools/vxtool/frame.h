@@ -47,14 +47,24 @@ private:
     std::vector<uint8_t> bytes_;
 };
 
+// A frame as the library's operations on bitmaps take it: their lowest row is the frame's last one.
+struct FrameBitmap
+{
+    explicit FrameBitmap(Frame& frame);
+
+    BITMAPINFOHEADER header;
+    void* pixels;
+    int32_t stride;
+};
+
 // Premultiplies.
 Frame ToFrame(const Dib& dib, Form form);
 
-// Un-premultiplies for types with alpha; for the others the picture is seen over black. A palette type
-// gets the picture's own colours if they fit, and evenly spread ones if not.
+// Un-premultiplies for types with alpha; for the others the picture is seen over black. Floats become
+// bytes with a dither.
 Dib ToDib(const Frame& frame, VxPixelType type);
 
 // The same pixels in the other form, or in the same one.
-Frame InForm(const Frame& frame, Form form);
+Frame InForm(Frame frame, Form form);
 
 } // namespace vxtool

@@ -1,4 +1,4 @@
-// blend, composite, fade: two pictures become one.
+// blend, composite: two pictures become one.
 #include "vx/blend.h"
 #include "vx/composite.h"
 #include "vxtool/commands.h"
@@ -61,30 +61,6 @@ constexpr Option kCompositeOptions[] = {
     kTypeOption,
 };
 
-void RunFade(const Arguments& arguments)
-{
-    const Form form = FormOf(arguments);
-    const int32_t channel = arguments.OneOf("--channel", kChannels, -1);
-    const Output output(arguments, 3, form);
-    const std::string& path = arguments.Operand(0);
-    Frame dst = LoadFrame(path, form);
-    const Frame src = LoadPartner(arguments.Operand(1), form, dst, path);
-    Frame mask = LoadPartner(arguments.Operand(2), Form::Bytes, dst, path);
-    if (channel >= 0)
-        SpreadChannel(mask, channel);
-    MaskedFade(dst.Data(), dst.Stride(), src.Data(), src.Stride(), dst.BytesPerPixel(), mask.Data(),
-               mask.Stride(), dst.Width(), dst.Height());
-    output.Write(dst);
-}
-
-constexpr Option kFadeOptions[] = {
-    {"--channel", "CHANNEL",
-     "weigh all by this channel of MASK: blue, green, red or alpha (default: each\n"
-     "channel by its own, so that an opaque MASK gives all of B's alpha)"},
-    kFloatOption,
-    kTypeOption,
-};
-
 } // namespace
 
 const Command kBlend = {
@@ -100,10 +76,6 @@ const Command kComposite = {
     kCompositeOptions,
     "vxtool composite scene.png title.png out.png --mode screen --opacity 0.8",
     RunComposite,
-};
-const Command kFade = {
-    "fade",       "go from A to B, alpha too, as far as a mask says: white takes B", "A B MASK OUT", 4, 4,
-    kFadeOptions, "vxtool fade a.png b.png wipe.png out.png --channel green",        RunFade,
 };
 
 } // namespace vxtool

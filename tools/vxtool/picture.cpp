@@ -1,5 +1,6 @@
 #include "vxtool/picture.h"
 
+#include "vxtool/conversion.h"
 #include "vxtool/failure.h"
 #include "vxtool/files.h"
 #include "vxtool/formats.h"
@@ -23,6 +24,15 @@ Format FormatOf(const std::string& path)
     for (char& c : extension)
         c = c >= 'A' && c <= 'Z' ? char(c - 'A' + 'a') : c;
     return extension == ".png" ? Format::Png : extension == ".bmp" ? Format::Bmp : Format::None;
+}
+
+VxPixelType ShownType(VxPixelType type)
+{
+    if (PngHolds(type))
+        return type;
+    if (type == VXPIXEL_GRAY32)
+        return VXPIXEL_GRAY16;
+    return WorkingType(type) == VXPIXEL_RGBA32 ? VXPIXEL_RGB24 : VXPIXEL_RGBA64;
 }
 
 } // namespace
@@ -63,6 +73,12 @@ VxPixelType CheckOutput(const std::string& path, VxPixelType type, VxPixelType w
         FailArgument("a PNG picture cannot hold the type ", NameOfType(type),
                      ", only gray1 to gray16, rgb24, rgba32 and rgba64");
     return type;
+}
+
+void WriteShown(const std::string& path, Dib dib)
+{
+    const VxPixelType type = FormatOf(path) == Format::Png ? ShownType(dib.Type()) : dib.Type();
+    WritePicture(path, Converted(std::move(dib), type));
 }
 
 void WritePicture(const std::string& path, const Dib& dib)

@@ -32,6 +32,8 @@ Picture ReadPicture(const std::string& path);
 VxPixelType CheckOutput(const std::string& path, VxPixelType type, VxPixelType wanted = VXPIXEL_RGBA32);
 
 void WritePicture(const std::string& path, const Dib& dib);
+// Of any type: a PNG that cannot hold it gets the nearest type that it can.
+void WriteShown(const std::string& path, Dib dib);
 
 // Both formats, in memory. PNG holds gray1 to gray16, rgb24, rgba32 and rgba64. BMP holds everything;
 // the gray types and those of 16 and 32 bits a channel in a form of the library's own.

@@ -2,7 +2,6 @@
 #include "vx/blend.h"
 #include "vx/channels.h"
 #include "vxtool/commands.h"
-#include "vxtool/failure.h"
 
 #include <cstdio>
 #include <iostream>
@@ -48,20 +47,11 @@ void RunInfo(const Arguments& arguments)
 
 constexpr Option kInfoOptions[] = {{"--palette", nullptr, "list the entries of a BMP's palette as RRGGBB"}};
 
-Dib Converted(Dib&& dib, VxPixelType type)
-{
-    return dib.Type() == type ? std::move(dib) : ToDib(ToFrame(dib, Form::Floats), type);
-}
-
-// Reads IN, in --type or in its own type, lets the library work on it, and writes it.
+// Reads IN, lets the library work on it, and writes it.
 template <class Work>
 void RunOnDib(const Arguments& arguments, const char* verb, Work work)
 {
-    const VxPixelType asked = AskedType(arguments);
-    CheckOutput(arguments.Operand(1), asked);
-    Dib read = ReadPicture(arguments.Operand(0)).dib;
-    const VxPixelType type = CheckOutput(arguments.Operand(1), asked, read.Type());
-    Dib dib = Converted(std::move(read), type);
+    Dib dib = LoadDib(arguments, 0, 1);
     if (FAILED(work(dib.Header())))
         FailArgument(arguments.Operand(0), " is of the type ", NameOfType(dib.Type()), ", which cannot be ",
                      verb, "; add --type rgba32");
@@ -118,9 +108,8 @@ Dib LoadSource(const Arguments& arguments, const Dib& dst)
 {
     const std::string* path = arguments.Text("--from");
     Dib src = Converted(ReadPicture(path ? *path : arguments.Operand(0)).dib, VXPIXEL_RGBA32);
-    if (src.Width() != dst.Width() || src.Height() != dst.Height())
-        FailArgument(arguments.Operand(0), " is ", dst.Width(), "x", dst.Height(), " and ", *path, " is ",
-                     src.Width(), "x", src.Height(), " pixels; they must be of one size");
+    if (path)
+        CheckSameSize(arguments.Operand(0), dst, *path, src);
     return src;
 }
 

@@ -4,35 +4,38 @@
 #include "vx/composite.h"
 #include "vxtool/commands.h"
 #include "vxtool/patterns.h"
-#include "vxtool/resample.h"
+#include "vxtool/placing.h"
 #include "vxtool/text.h"
 
 namespace vxtool {
 namespace {
 
-constexpr int32_t kColumns = 4, kMargin = 32, kGap = 16;
-constexpr int32_t kSheetWidth = 2 * kMargin + kColumns * kCellWidth + (kColumns - 1) * kGap;
-constexpr int32_t kHeadHeight = 104, kSectionHeight = 52, kCaptionHeight = 50;
+constexpr int32_t kMargin = 32;
+constexpr int32_t kSheetWidth = 2 * kMargin + kPanelWidth;
+constexpr int32_t kHeadHeight = 104, kSectionHeight = 52, kCaptionHeight = 50, kPanelSpace = 12;
 constexpr int32_t kRowHeight = kCellHeight + kCaptionHeight;
-constexpr float kTitleScale = 3.5f, kSectionScale = 2.0f, kCaptionScale = 1.5f, kDetailScale = 1.3f;
-
-constexpr Colour Tone(int32_t rgb)
-{
-    return {float(rgb & 255) / 255.0f, float(rgb >> 8 & 255) / 255.0f, float(rgb >> 16) / 255.0f, 1.0f};
-}
-constexpr Colour kBackground = Tone(0x1C1D20), kLine = Tone(0x3A3C42), kTitle = Tone(0xF2F2F0);
-constexpr Colour kAccent = Tone(0xF0B45A), kCaption = Tone(0xE4E4E2), kDetail = Tone(0x9A9CA3);
+constexpr float kTitleScale = 3.5f, kSectionScale = 2.0f, kCaptionScale = 1.5f;
 
 int32_t RowsOf(const Section& section)
 {
-    return (int32_t(section.cells.size()) + kColumns - 1) / kColumns;
+    return (int32_t(section.cells.size()) + kSheetColumns - 1) / kSheetColumns;
+}
+
+int32_t PanelHeight(const Section& section)
+{
+    return section.panel ? section.panel->Height() + kPanelSpace : 0;
+}
+
+int32_t HeightOf(const Section& section)
+{
+    return kSectionHeight + PanelHeight(section) + RowsOf(section) * kRowHeight;
 }
 
 int32_t SheetHeight(const std::vector<Section>& sections)
 {
     int32_t height = kHeadHeight + kMargin;
     for (const Section& section : sections)
-        height += kSectionHeight + RowsOf(section) * kRowHeight;
+        height += HeightOf(section);
     return height;
 }
 
@@ -66,9 +69,13 @@ void DrawSection(Frame& sheet, int32_t y, const Section& section)
     const int32_t textWidth = TextWidth(section.title, kSectionScale);
     DrawText(sheet, kMargin - 2, y + 14, kSectionScale, kAccent, section.title);
     FillArea(sheet, kMargin + textWidth + 14, y + 25, kSheetWidth - 2 * kMargin - textWidth - 14, 1, kLine);
+    if (const auto& panel = section.panel)
+        BitmapCopy(sheet.At(kMargin, y + kSectionHeight), sheet.Stride(), panel->Data(), panel->Stride(),
+                   panel->Width(), 4, panel->Height());
+    const int32_t top = y + kSectionHeight + PanelHeight(section);
     for (size_t i = 0; i < section.cells.size(); ++i) {
-        const int32_t column = int32_t(i) % kColumns, row = int32_t(i) / kColumns;
-        DrawCell(sheet, kMargin + column * (kCellWidth + kGap), y + kSectionHeight + row * kRowHeight,
+        const int32_t column = int32_t(i) % kSheetColumns, row = int32_t(i) / kSheetColumns;
+        DrawCell(sheet, kMargin + column * (kCellWidth + kSheetGap), top + row * kRowHeight,
                  section.cells[i]);
     }
 }
@@ -84,8 +91,10 @@ void RunSheet(const Arguments& arguments)
     const Frame back = picture(1, Scene(4 * kCellWidth, 4 * kCellHeight, Form::Bytes));
     const Frame front = picture(2, Discs(2 * kCellWidth, 2 * kCellHeight, Form::Bytes));
     const Frame mask = picture(3, Vignette(kCellWidth, kCellHeight, Form::Bytes));
+    std::vector<Section> sections = Tour(back, front, mask);
+    std::ranges::move(BitmapTour(back, front), std::back_inserter(sections));
     output.Write(DrawSheet("vxtool " VXTOOL_VERSION, "what the library does to pictures, one command a cell",
-                           Tour(back, front, mask)));
+                           sections));
 }
 
 constexpr Option kSheetOptions[] = {kTypeOption};
@@ -101,7 +110,7 @@ Frame DrawSheet(const std::string& title, const std::string& subtitle, const std
     int32_t y = kHeadHeight;
     for (const Section& section : sections) {
         DrawSection(sheet, y, section);
-        y += kSectionHeight + RowsOf(section) * kRowHeight;
+        y += HeightOf(section);
     }
     return sheet;
 }

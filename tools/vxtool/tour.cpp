@@ -1,4 +1,4 @@
-// The cells of the contact sheet.
+// The cells of the contact sheet: what works on frames.
 #include "vx/blend.h"
 #include "vx/channels.h"
 #include "vx/composite.h"
@@ -10,14 +10,6 @@
 
 namespace vxtool {
 namespace {
-
-// What an operation makes of a copy of a picture.
-template <class Operation>
-Frame Made(Frame picture, Operation operation)
-{
-    operation(picture);
-    return picture;
-}
 
 Frame Composited(const Frame& back, const Frame& front, int32_t mode, double opacity)
 {
@@ -121,11 +113,6 @@ Frame Swapped(const Frame& picture)
     Dib dib = ToDib(picture, VXPIXEL_RGBA32);
     VxDibSwapRB(dib.Header(), nullptr, nullptr, 0);
     return ToFrame(dib, Form::Bytes);
-}
-
-Frame OfType(const Frame& picture, VxPixelType type)
-{
-    return ToFrame(ToDib(picture, type), Form::Bytes);
 }
 
 // One channel in all three colours.
@@ -261,15 +248,6 @@ Section Shapes(const Frame& back)
              {"flip --horizontal --vertical", "both: half a turn", Flipped(back, true, true)}}};
 }
 
-Section Types(const Frame& back)
-{
-    return {"pixel types of written pictures",
-            {{"--type rgb555", "5 bits a channel", OfType(back, VXPIXEL_RGB555)},
-             {"--type pal8", "256 colours: a cube and grays", OfType(back, VXPIXEL_PAL8)},
-             {"--type gray1", "black and white", OfType(back, VXPIXEL_GRAY1)},
-             {"--type gray4", "16 grays", OfType(back, VXPIXEL_GRAY4)}}};
-}
-
 } // namespace
 
 std::vector<Section> Tour(const Frame& back, const Frame& front, const Frame& mask)
@@ -281,8 +259,7 @@ std::vector<Section> Tour(const Frame& back, const Frame& front, const Frame& ma
             Scales(back, mask),
             Tables(back),
             Thresholds(back),
-            Shapes(back),
-            Types(back)};
+            Shapes(back)};
 }
 
 } // namespace vxtool

@@ -1,4 +1,4 @@
-/* Comparing texts. */
+/* Comparing texts, and their case. */
 #ifndef VX_PLATFORM_STRINGS_H
 #define VX_PLATFORM_STRINGS_H
 
@@ -10,6 +10,10 @@ VX_EXTERN_C_BEGIN
  * before, is the same as, or comes behind the second. Texts are ordered by the code points of their
  * folded characters, in every locale alike; a null comes before all texts. Allocates nothing. */
 VX_PLATFORM_API int lstrcmpiW(const WCHAR* first, const WCHAR* second);
+
+/* The upper-case form of a character, in every script and every locale alike; itself where it has none, or
+ * none of one character. Halves of surrogate pairs have none. */
+VX_PLATFORM_API WCHAR VxPlatform_ToUpper(WCHAR character);
 
 VX_EXTERN_C_END
 

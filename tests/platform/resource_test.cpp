@@ -1,0 +1,239 @@
+#include "support/random.h"
+#include "support/resource_image.h"
+#include "support/temp_folder.h"
+#include "vx/platform/lasterror.h"
+#include "vx/platform/locale.h"
+#include "vx/platform/module.h"
+
+#include "platform/elf_section.h"
+#include "platform/resource_image.h"
+
+#include <algorithm>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <iterator>
+#include <memory>
+
+using namespace vxtest;
+
+namespace {
+
+// A file of resources that is loaded as long as the object lives.
+class LoadedFile
+{
+public:
+    explicit LoadedFile(const Bytes& file)
+    {
+        folder_.Write("file.LNG", file);
+        module = LoadLibraryW(folder_.DrivePath(u"file.LNG").c_str());
+    }
+    ~LoadedFile() { EXPECT_EQ(FreeLibrary(module), module != nullptr); }
+
+    Bytes Read(HRSRC resource) const
+    {
+        const auto* data = static_cast<const uint8_t*>(LockResource(LoadResource(module, resource)));
+        return data ? Bytes(data, data + SizeofResource(module, resource)) : Bytes();
+    }
+    std::u16string String(UINT id, int room = 64) const
+    {
+        std::u16string text(size_t(room), u'#');
+        text.resize(size_t(LoadStringW(module, id, text.data(), room)));
+        EXPECT_LT(text.size(), size_t(room));
+        return text;
+    }
+
+    HMODULE module;
+
+private:
+    TempFolder folder_;
+};
+
+const WCHAR* Form(const ResourceKey& key)
+{
+    return key.text.empty() ? MAKEINTRESOURCEW(key.number) : key.text.c_str();
+}
+
+using Build = Bytes (*)(const std::vector<TestResource>&);
+constexpr Build kForms[] = {ResImage, [](const std::vector<TestResource>& all) { return PeImage(all, true); },
+                            [](const std::vector<TestResource>& all) { return PeImage(all, false); }};
+
+// Everything that an image gives out lies within its bytes, and everything in it can be asked for.
+void Walk(const Bytes& file)
+{
+    // Without spare room behind the end, for the sanitizer.
+    const std::unique_ptr<std::byte[]> exact(new std::byte[file.size()]);
+    std::ranges::copy(std::as_bytes(std::span(file)), exact.get());
+    const std::span<const std::byte> bytes(exact.get(), file.size());
+    const std::span<const std::byte> section = vxplatform::FindElfSection(bytes, ".vxres");
+    const vxplatform::ResourceImage image(section.empty() ? bytes : section);
+    for (const vxplatform::Resource& resource : image.All()) {
+        const auto same = vxplatform::ResourceImage::OfName(image.OfType(resource.type), resource.name);
+        ASSERT_TRUE(!same.empty() && &same.front() <= &resource && &resource <= &same.back());
+        volatile unsigned sum = 0; // that they are read
+        for (const std::byte byte : resource.data)
+            sum = sum + unsigned(byte);
+    }
+}
+
+} // namespace
+
+// Random images in all forms against a plain map.
+TEST(Resources, AreFoundExactlyWhereTheyAre)
+{
+    Random random;
+    const ResourceKey keys[] = {1, 6, 16, 0xFFFF, u"AN ICON", u"\x0416"};
+    const WORD languages[] = {0, 0x0007, 0x0407, 0x0411, 0xFFFF};
+    for (int round = 0; round < 10; ++round)
+        for (const Build build : kForms) {
+            std::vector<TestResource> all;
+            for (const ResourceKey& type : keys)
+                for (const ResourceKey& name : keys)
+                    for (const WORD language : languages)
+                        if (random.Int(0, 3) == 0)
+                            all.push_back(
+                                {type, name, language, Bytes(size_t(random.Int(0, 9)), random.Byte())});
+            const LoadedFile file(build(all));
+            for (const ResourceKey& type : keys)
+                for (const ResourceKey& name : keys)
+                    for (const WORD language : languages) {
+                        const auto wanted = std::ranges::find_if(all, [&](const TestResource& resource) {
+                            return resource.type == type && resource.name == name &&
+                                   resource.language == language;
+                        });
+                        const HRSRC found = FindResourceExW(file.module, Form(type), Form(name), language);
+                        ASSERT_EQ(found != nullptr, wanted != all.end());
+                        if (found) {
+                            ASSERT_EQ(file.Read(found), wanted->data);
+                        }
+                    }
+        }
+}
+
+TEST(Resources, NamesHaveSeveralForms)
+{
+    const std::tuple<const WCHAR*, const WCHAR*, WORD, DWORD> missing[] = {
+        {RT_MENU, MAKEINTRESOURCEW(12), 0, ERROR_RESOURCE_TYPE_NOT_FOUND},
+        {u"#65546", MAKEINTRESOURCEW(12), 0, ERROR_RESOURCE_TYPE_NOT_FOUND},
+        {RT_RCDATA, u"12", 0, ERROR_RESOURCE_NAME_NOT_FOUND},
+        {RT_RCDATA, MAKEINTRESOURCEW(12), 9, ERROR_RESOURCE_LANG_NOT_FOUND}};
+    for (const Build build : kForms) {
+        const LoadedFile file(build({{10, 12, 0, {1}}, {u"PICTURE", u"\x0416x", 0, {2}}}));
+        EXPECT_EQ(file.Read(FindResourceW(file.module, u"#12", u"#10")), Bytes{1});
+        EXPECT_EQ(file.Read(FindResourceW(file.module, u"\x0436X", u"picture")), Bytes{2});
+        for (const auto& [type, name, language, error] : missing) {
+            EXPECT_EQ(FindResourceExW(file.module, type, name, language), nullptr);
+            EXPECT_EQ(GetLastError(), error);
+        }
+    }
+}
+
+// Removes the language that is chosen, one after the other.
+TEST(Resources, LanguagesFallBackInOrder)
+{
+    ASSERT_TRUE(VxPlatform_SetUserLocale("de-AT"));
+    std::vector<WORD> order = {0, 0x0C07, 0x0007, 0x0409, 0x0009, 0x0407, 0x0411};
+    while (!order.empty()) {
+        std::vector<TestResource> all;
+        for (const WORD language : order)
+            all.insert(all.begin(), {5, 1, language, {uint8_t(language), uint8_t(language >> 8)}});
+        for (const Build build : kForms) {
+            const LoadedFile file(build(all));
+            EXPECT_EQ(file.Read(FindResourceW(file.module, MAKEINTRESOURCEW(1), RT_DIALOG)), all.back().data);
+        }
+        order.erase(order.begin());
+    }
+    VxPlatform_SetUserLocale(nullptr);
+}
+
+TEST(Resources, StringsComeFromBlocks)
+{
+    TestResource cut = Strings(48, 0, {u"whole", u"cut"});
+    cut.data.resize(2 + 10 + 2 + 4);
+    const LoadedFile file(ResImage({Strings(16, 0x0409, {u"sixteen", u"", std::u16string(u"a\0b", 3)}),
+                                    Strings(0xFFF0, 0, {u"last"}), Strings(16, 0x0407, {u"sechzehn"}), cut}));
+    EXPECT_EQ(file.String(16), u"sixteen");
+    EXPECT_EQ(file.String(17), u"");
+    EXPECT_EQ(file.String(18), std::u16string(u"a\0b", 3));
+    EXPECT_EQ(file.String(0x50010), u"sixteen");
+    EXPECT_EQ(file.String(0xFFF0), u"last");
+    EXPECT_EQ(file.String(48), u"whole");
+    EXPECT_EQ(file.String(49), u"") << "its block ends before it does";
+    EXPECT_EQ(file.String(63), u"");
+    EXPECT_EQ(file.String(15), u"");
+    for (int room = 1; room <= 8; ++room)
+        EXPECT_EQ(file.String(16, room), std::u16string(u"sixteen").substr(0, size_t(room) - 1));
+    EXPECT_EQ(LoadStringW(file.module, 16, nullptr, 0), 0);
+}
+
+// Languages and names as texts of numbers; the receiver ends it when the text is full.
+TEST(Resources, AreEnumeratedOnce)
+{
+    constexpr size_t kFull = 6;
+    const auto onLanguage = [](HMODULE, const WCHAR*, const WCHAR*, WORD language, LONG_PTR told) -> BOOL {
+        return (*reinterpret_cast<std::u16string*>(told) += char16_t(language)).size() < kFull;
+    };
+    const auto onName = [](HMODULE, const WCHAR*, const WCHAR* name, LONG_PTR told) -> BOOL {
+        const bool isNumber = IS_INTRESOURCE(name);
+        reinterpret_cast<std::u16string*>(told)->append(isNumber ? u"#" : name);
+        return isNumber || *name == u'B';
+    };
+    const std::vector<TestResource> all = {
+        {16, 1, 0x0411, {}}, {16, 1, 0x0407, {}}, {16, 1, 0x0409, {}}, {16, 3, 0, {}}, {16, u"B", 0, {}}};
+    std::vector<TestResource> twice = all;
+    twice.insert(twice.end(), all.begin(), all.end());
+    for (const LoadedFile& file : {LoadedFile(ResImage(twice)), LoadedFile(PeImage(all))}) {
+        const auto languages = [&](std::u16string& told) {
+            return EnumResourceLanguagesW(file.module, RT_VERSION, MAKEINTRESOURCEW(1), onLanguage,
+                                          LONG_PTR(&told));
+        };
+        std::u16string told, names;
+        EXPECT_TRUE(languages(told));
+        EXPECT_FALSE(languages(told));
+        EXPECT_EQ(GetLastError(), ERROR_RESOURCE_ENUM_USER_STOP);
+        EXPECT_EQ(told, u"\x0407\x0409\x0411\x0407\x0409\x0411");
+        EXPECT_TRUE(EnumResourceNamesW(file.module, RT_VERSION, onName, LONG_PTR(&names)));
+        EXPECT_EQ(names, u"B##");
+        EXPECT_FALSE(EnumResourceNamesW(file.module, RT_MENU, onName, LONG_PTR(&names)));
+        EXPECT_EQ(GetLastError(), ERROR_RESOURCE_TYPE_NOT_FOUND);
+    }
+}
+
+// Every half word of small files with values that overflow sums and lead elsewhere, and every length.
+TEST(Resources, DamageHarmsNothing)
+{
+    const std::vector<TestResource> all = {
+        {u"T", u"NAME", 0x0409, {1, 2, 3}}, {10, 1, 0, {4}}, {10, 1, 7, {5}}, Strings(0, 0, {u"text"})};
+    std::vector<Bytes> files = {ResImage(all), PeImage(all, true), PeImage(all, false)};
+    std::ifstream module(VX_TEST_MODULE_WITH_SECTION, std::ios::binary);
+    files.emplace_back(std::istreambuf_iterator<char>(module), std::istreambuf_iterator<char>());
+    for (const Bytes& file : files) {
+        // Of a shared object the head and the section headers, which are its end, count.
+        const auto counts = [&](size_t at) { return at < 1024 || at + 4096 > file.size(); };
+        for (size_t at = 0; at + 4 <= file.size(); at += 2) {
+            if (!counts(at))
+                continue;
+            Walk(Bytes(file.begin(), file.begin() + ptrdiff_t(at)));
+            for (const uint32_t value :
+                 {0u, 1u, 0xFFFFu, 0x7FFFFFFFu, 0x80000000u, 0x80000018u, 0xFFFFFFF0u}) {
+                Bytes damaged = file;
+                Store(damaged, at, value);
+                Walk(damaged);
+            }
+        }
+    }
+}
+
+// Directories that share their entries are not walked once for each way that leads there: here every
+// second entry leads back to the second directory, the others to the leaf.
+TEST(Resources, ALabyrinthIsLeft)
+{
+    constexpr uint16_t kEntries = 30000;
+    constexpr uint32_t kSecond = 24, kLeaf = 72;
+    Bytes file = PeImage({{10, 1, 0, Bytes(8 * kEntries)}});
+    Store(file, kResourceOffset + kLeaf + 4, 1); // byte of data
+    for (const uint32_t directory : {0u, kSecond})
+        Store(file, kResourceOffset + directory + 14, kEntries);
+    for (size_t at = kResourceOffset + kLeaf + 16, i = 0; at + 8 <= file.size(); at += 8, ++i)
+        Store(file, at + 4, i % 2 ? kLeaf : 0x80000000u | kSecond);
+    Walk(file);
+}
