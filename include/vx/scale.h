@@ -21,9 +21,8 @@
  * are the same.
  *
  * Nothing is allocated except by DibPrepareSubpixelParam. Any thread may call, on different
- * destinations; source and destination must not overlap. Large frames are shared among threads, but where
- * an area is averaged along one axis alone. Results are the same on every processor and for any number of
- * threads. */
+ * destinations; source and destination must not overlap. The linear kernels share large frames among
+ * threads. Results are the same on every processor and for any number of threads. */
 #ifndef VX_SCALE_H
 #define VX_SCALE_H
 

@@ -179,7 +179,7 @@ TEST(Scale, LinearTiesGiveTheModel)
     }
 }
 
-// Wider than a run of columns that is prepared at once, and shared among threads.
+// Wider than a run of columns that is prepared at once; the linear kernel shares its rows among threads.
 TEST(Scale, WideFramesGiveTheModel)
 {
     Random random(4);
