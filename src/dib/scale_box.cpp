@@ -11,7 +11,6 @@
 #include "kernel/vector_targets.h"
 
 #include <bit>
-#include <hwy/cache_control.h>
 
 namespace vx {
 namespace {
@@ -184,7 +183,6 @@ void SumRows(uint16_t* line, const uint8_t* first, int32_t stride, int32_t rows,
         for (int32_t row = 0; row < rows; ++row, at += stride) {
             sum = hn::Add(sum, hn::PromoteTo(lanes, hn::LoadU(bytes, at)));
             nextSum = hn::Add(nextSum, hn::PromoteTo(lanes, hn::LoadU(bytes, at + step)));
-            hwy::Prefetch(at + int64_t(stride) * rows); // for the next row of boxes
         }
         hn::StoreU(sum, lanes, line + i);
         hn::StoreU(nextSum, lanes, line + i + step);
