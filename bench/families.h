@@ -13,5 +13,6 @@ void AddConvertWorks(Suite& suite);
 void AddListWorks(Suite& suite);
 void AddTextWorks(Suite& suite);
 void AddTimeWorks(Suite& suite);
+void AddSettingsWorks(Suite& suite);
 
 } // namespace vxbench

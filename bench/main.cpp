@@ -104,6 +104,7 @@ int Run(const Options& options)
     AddListWorks(suite);
     AddTextWorks(suite);
     AddTimeWorks(suite);
+    AddSettingsWorks(suite);
     const auto outcomes = suite.Run(options.filter, options.quick ? kQuick : kThorough, ShowProgress);
 
     PrintTable(outcomes);

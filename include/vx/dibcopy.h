@@ -5,7 +5,7 @@
  *
  * A status other than S_OK says that nothing was written. Any thread may call, on different
  * destinations; the source of a copy must not overlap its destination. Large copies share their rows
- * among threads, but with soft edges and between pixels; the result is the same on any number. */
+ * among threads where no pixel needs more than a table; the result is the same on any number. */
 #ifndef VX_DIBCOPY_H
 #define VX_DIBCOPY_H
 

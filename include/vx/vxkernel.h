@@ -15,6 +15,7 @@
 #include "vx/kernel.h"
 #include "vx/lang.h"
 #include "vx/list.h"
+#include "vx/metrics.h"
 #include "vx/numbers.h"
 #include "vx/osversion.h"
 #include "vx/path.h"

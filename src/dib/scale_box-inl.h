@@ -76,6 +76,69 @@ using PartInts = hn::Rebind<int32_t, Doubles>;
     hn::StoreU(hn::DemoteTo(bytes, hn::DemoteTo(PartInts(), quotients)), bytes, dest);
 }
 
+constexpr int32_t kChunkColumns = 256;
+
+// A kernel with a box along the rows. Sums along them serve several destination rows: the kRows in use
+// are kept, each in the place that its number's remainder says. value is as in ForBoxPixels; write(dest,
+// sumsOf, y, values) writes whole pixels out of the sums of the rows that it asks sumsOf for.
+template <int32_t kRows, class Value, class Write>
+HWY_INLINE void ForChunksOfBoxX(const ScaleJob& job, const Value& value, const Write& write)
+{
+    HWY_ALIGN int32_t kept[kRows][4 * kChunkColumns];
+    BoxSpan spans[kChunkColumns];
+    for (int32_t chunk = 0; chunk < job.x.count; chunk += kChunkColumns) {
+        const int32_t last = std::min(chunk + kChunkColumns, job.x.count);
+        for (int32_t x = chunk; x < last; ++x)
+            spans[x - chunk] = BoxSpanAt(job.x, x);
+        int32_t keptRow[kRows];
+        std::fill_n(keptRow, kRows, -1);
+        const auto sumsOf = [&](int32_t row) {
+            int32_t* const to = kept[row % kRows];
+            for (int32_t x = chunk; x < last && keptRow[row % kRows] != row; ++x)
+                StoreSumOfColumns(to + 4 * (x - chunk), job.SourceRow(row), spans[x - chunk]);
+            keptRow[row % kRows] = row;
+            return to;
+        };
+        for (int32_t y = 0; y < job.y.count; ++y) {
+            uint8_t* const dest = job.DestRow(y) + 4 * int64_t(job.x.firstPixel);
+            ForColumns(
+                job, job.y.Coverage(y), chunk, last,
+                [&](int32_t x) { BlendBoxPixel<BytePixel>(job, job.x, dest + 4 * int64_t(x), x, y, value); },
+                [&](int32_t begin, int32_t end) {
+                    const auto sumsFromBegin = [&](int32_t row) { return sumsOf(row) + 4 * (begin - chunk); };
+                    write(dest + 4 * int64_t(begin), sumsFromBegin, y, 4 * (end - begin));
+                });
+        }
+    }
+}
+
+// A kernel with a box down the columns. startChunk(taps, count) hears of each run of columns,
+// startRow(span) of each row of it; write(dest, taps, span) writes a whole pixel.
+template <class Taps, class TapsAt, class Value, class StartChunk, class StartRow, class Write>
+HWY_INLINE void ForChunksOfBoxY(const ScaleJob& job, const TapsAt& tapsAt, const Value& value,
+                                const StartChunk& startChunk, const StartRow& startRow, const Write& write)
+{
+    Taps taps[kChunkColumns];
+    for (int32_t chunk = 0; chunk < job.x.count; chunk += kChunkColumns) {
+        const int32_t last = std::min(chunk + kChunkColumns, job.x.count);
+        for (int32_t x = chunk; x < last; ++x)
+            taps[x - chunk] = tapsAt(x);
+        startChunk(taps, last - chunk);
+        for (int32_t y = 0; y < job.y.count; ++y) {
+            const BoxSpan span = BoxSpanAt(job.y, y);
+            startRow(span);
+            uint8_t* const dest = job.DestRow(y) + 4 * int64_t(job.x.firstPixel);
+            ForColumns(
+                job, job.y.Coverage(y), chunk, last,
+                [&](int32_t x) { BlendBoxPixel<BytePixel>(job, job.y, dest + 4 * int64_t(x), x, y, value); },
+                [&](int32_t begin, int32_t end) {
+                    for (int32_t x = begin; x < end; ++x)
+                        write(dest + 4 * int64_t(x), taps[x - chunk], span);
+                });
+        }
+    }
+}
+
 } // namespace
 } // namespace HWY_NAMESPACE
 } // namespace vx

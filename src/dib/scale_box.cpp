@@ -11,7 +11,6 @@
 #include "kernel/vector_targets.h"
 
 #include <bit>
-#include <hwy/cache_control.h>
 
 namespace vx {
 namespace {
@@ -111,7 +110,7 @@ struct Strip
 
     void PrepareForVectors(const ScaleAxis& axis)
     {
-        chunkColumns = std::min(kChunkColumns, (kLinePixels - 2) * kSubpixelOne / axis.step);
+        chunkColumns = std::min(kChunkColumns, (kLinePixels - 2) * kSubpixelOne / axis.step / 4 * 4);
         int32_t widest = 0;
         for (int32_t k = 0; k < count; ++k)
             widest = std::max(widest, spans[k].last - spans[k].first + 1);
@@ -184,7 +183,6 @@ void SumRows(uint16_t* line, const uint8_t* first, int32_t stride, int32_t rows,
         for (int32_t row = 0; row < rows; ++row, at += stride) {
             sum = hn::Add(sum, hn::PromoteTo(lanes, hn::LoadU(bytes, at)));
             nextSum = hn::Add(nextSum, hn::PromoteTo(lanes, hn::LoadU(bytes, at + step)));
-            hwy::Prefetch(at + int64_t(stride) * rows); // for the next row of boxes
         }
         hn::StoreU(sum, lanes, line + i);
         hn::StoreU(nextSum, lanes, line + i + step);
@@ -319,31 +317,40 @@ HWY_INLINE hn::Vec<Ints> WideMeans(V whole, V rest, double reciprocal)
 // 1/16384 here, which added makes its integer right or one too large: the remainder tells.
 HWY_INLINE hn::Vec<Ints> NarrowMeans(hn::Vec<Ints> sums, const Divisor& divisor)
 {
+    constexpr float kIntegers = 0x1.8p23f; // added, leaves the nearest integer in the low bits
     const Floats lanes;
     const Ints ints;
     const auto quotient = hn::Mul(hn::ConvertTo(lanes, sums), hn::Set(lanes, float(divisor.reciprocal)));
-    const auto means = hn::ConvertTo(ints, hn::Add(quotient, hn::Set(lanes, 0.5f + kSubpixelToPixel)));
-    const auto remainder = hn::Sub(sums, hn::Mul(means, hn::Set(ints, divisor.area)));
-    const auto isTooLarge = hn::Lt(hn::Add(remainder, remainder), hn::Set(ints, -divisor.area));
-    return hn::Add(means, hn::VecFromMask(ints, isTooLarge));
+    const auto raised =
+        hn::Add(hn::Add(quotient, hn::Set(lanes, kSubpixelToPixel)), hn::Set(lanes, kIntegers));
+    const auto means = hn::Sub(hn::BitCast(ints, raised), hn::BitCast(ints, hn::Set(lanes, kIntegers)));
+    const auto halvesUp = hn::Add(sums, hn::Set(ints, divisor.area >> 1));
+    const auto remainder = hn::Sub(halvesUp, hn::Mul(means, hn::Set(ints, divisor.area)));
+    return hn::Add(means, hn::ShiftRight<31>(remainder)); // less one where it is negative
 }
 
 template <bool kWide>
-HWY_INLINE void WriteMeans(uint8_t* dest, const Sums& sums, const Divisor& divisor)
+HWY_INLINE hn::Vec<Ints> MeansOf(const Sums& sums, const Divisor& divisor)
 {
     const Ints lanes;
     const hn::Half<Ints> half;
-    const hn::Rebind<uint8_t, Ints> bytes;
     if constexpr (kWide) {
         const auto lower =
             WideMeans(hn::LowerHalf(half, sums.whole), hn::LowerHalf(half, sums.rest), divisor.reciprocal);
         const auto upper =
             WideMeans(hn::UpperHalf(half, sums.whole), hn::UpperHalf(half, sums.rest), divisor.reciprocal);
-        const auto means = hn::BitCast(hn::RebindToUnsigned<Ints>(), hn::ConcatEven(lanes, upper, lower));
-        hn::StoreU(hn::TruncateTo(bytes, means), bytes, dest);
+        return hn::And(hn::ConcatEven(lanes, upper, lower), hn::Set(lanes, 255));
     } else {
-        hn::StoreU(hn::DemoteTo(bytes, NarrowMeans(sums.rest, divisor)), bytes, dest);
+        return NarrowMeans(sums.rest, divisor);
     }
+}
+
+template <bool kWide>
+HWY_INLINE void WriteMeans(uint8_t* dest, const Sums& sums, const Divisor& divisor)
+{
+    const hn::Rebind<uint8_t, Ints> bytes;
+    const auto means = hn::BitCast(hn::RebindToUnsigned<Ints>(), MeansOf<kWide>(sums, divisor));
+    hn::StoreU(hn::U8FromU32(means), bytes, dest);
 }
 
 template <bool kWide>
@@ -373,7 +380,7 @@ void BoxByteRow(const ScaleJob& job, const Strip& strip, uint8_t* dest, int32_t 
             WriteMeans<kWide>(dest + 4 * int64_t(k),
                               SumOfBoxes<kWide>(strip, k, ofChunk, rows.wholeRows > 1 ? line : nullptr),
                               divisor);
-        BoxRow<BytePixel, uint64_t>(job, strip, dest, k, last, y);
+        BoxRow<BytePixel, std::conditional_t<kWide, uint64_t, uint32_t>>(job, strip, dest, k, last, y);
         k = last;
     }
 }

@@ -124,4 +124,14 @@ void ForBoxPixels(const ScaleJob& job, const ScaleAxis& box, const Value& value)
 
 using ScaleJobFn = void (*)(const ScaleJob&);
 
+// The form for bytes, by how far the axis with the box shrinks: plain sums have 32 or 64 bits. `most` is what a
+// sum weighs at most beside a whole box.
+inline ScaleJobFn ChooseBoxForm(const ScaleAxis& box, double most, ScaleJobFn vector, ScaleJobFn narrow,
+                                ScaleJobFn wide)
+{
+    if (box.step <= kVectorSide)
+        return vector;
+    return WidestSpan(box) * kSubpixelOne * 255 * most < kNarrowSums ? narrow : wide;
+}
+
 } // namespace vx

@@ -87,8 +87,6 @@ namespace vx {
 namespace HWY_NAMESPACE {
 namespace {
 
-constexpr int32_t kChunkColumns = 256;
-
 // The four sums of a pixel or of a run of them, weighted. Each product is exact in a double, scaled so
 // that its fraction is what the conversion drops.
 void WriteWeighted(uint8_t* dest, const int32_t* const (&sums)[4], int32_t values, int32_t weights,
@@ -107,46 +105,17 @@ void WriteWeighted(uint8_t* dest, const int32_t* const (&sums)[4], int32_t value
     }
 }
 
-// Sums along the rows serve several destination rows: the four in use are kept, each in the place that
-// its number's low bits say.
 void BoxXCubicYVector(const ScaleJob& job)
 {
     const double reciprocal = 1.0 / double(job.x.step);
-    HWY_ALIGN int32_t kept[4][4 * kChunkColumns];
-    BoxSpan spans[kChunkColumns];
-    for (int32_t chunk = 0; chunk < job.x.count; chunk += kChunkColumns) {
-        const int32_t last = std::min(chunk + kChunkColumns, job.x.count);
-        for (int32_t x = chunk; x < last; ++x)
-            spans[x - chunk] = BoxSpanAt(job.x, x);
-        int32_t keptRow[4] = {-1, -1, -1, -1};
-        const auto sumsOf = [&](int32_t row) {
-            int32_t* const to = kept[row % 4];
-            for (int32_t x = chunk; x < last && keptRow[row % 4] != row; ++x)
-                StoreSumOfColumns(to + 4 * (x - chunk), job.SourceRow(row), spans[x - chunk]);
-            keptRow[row % 4] = row;
-            return to;
-        };
-        for (int32_t y = 0; y < job.y.count; ++y) {
-            const CubicTaps taps = CubicTapsAt(job.y, y, false);
-            const int32_t* sums[4];
-            for (size_t tap = 0; tap < 4; ++tap)
-                sums[tap] = sumsOf(taps.tap[tap]);
-            uint8_t* const dest = job.DestRow(y) + 4 * int64_t(job.x.firstPixel);
-            ForColumns(
-                job, job.y.Coverage(y), chunk, last,
-                [&](int32_t x) {
-                    BlendBoxPixel<BytePixel>(job, job.x, dest + 4 * int64_t(x), x, y,
-                                             BoxXCubicYPixel<BytePixel, uint32_t>);
-                },
-                [&](int32_t begin, int32_t end) {
-                    const int32_t skipped = 4 * (begin - chunk);
-                    WriteWeighted(
-                        dest + 4 * int64_t(begin),
-                        {sums[0] + skipped, sums[1] + skipped, sums[2] + skipped, sums[3] + skipped},
-                        4 * (end - begin), taps.weights, reciprocal);
-                });
-        }
-    }
+    ForChunksOfBoxX<4>(job, BoxXCubicYPixel<BytePixel, uint32_t>,
+                       [&](uint8_t* dest, const auto& sumsOf, int32_t y, int32_t values) {
+                           const CubicTaps taps = CubicTapsAt(job.y, y, false);
+                           WriteWeighted(dest,
+                                         {sumsOf(taps.tap[0]), sumsOf(taps.tap[1]), sumsOf(taps.tap[2]),
+                                          sumsOf(taps.tap[3])},
+                                         values, taps.weights, reciprocal);
+                       });
 }
 
 // What a box sums to down each column.
@@ -183,35 +152,24 @@ void BoxYCubicXVector(const ScaleJob& job)
 {
     const double reciprocal = 1.0 / double(job.y.step);
     HWY_ALIGN int32_t line[4 * kLinePixels];
-    CubicTaps taps[kChunkColumns];
-    for (int32_t chunk = 0; chunk < job.x.count; chunk += kChunkColumns) {
-        const int32_t last = std::min(chunk + kChunkColumns, job.x.count);
-        int32_t firstColumn = job.x.sourceSize, lastColumn = 0;
-        for (int32_t x = chunk; x < last; ++x) {
-            taps[x - chunk] = CubicTapsAt(job.x, x, true);
-            firstColumn = std::min(firstColumn, taps[x - chunk].tap[0]);
-            lastColumn = std::max(lastColumn, taps[x - chunk].tap[3]);
-        }
-        for (int32_t y = 0; y < job.y.count; ++y) {
-            const BoxSpan span = BoxSpanAt(job.y, y);
+    int32_t firstColumn = 0, lastColumn = 0;
+    ForChunksOfBoxY<CubicTaps>(
+        job, [&](int32_t x) { return CubicTapsAt(job.x, x, true); }, BoxYCubicXPixel<BytePixel, uint32_t>,
+        [&](const CubicTaps* taps, int32_t count) {
+            firstColumn = job.x.sourceSize;
+            lastColumn = 0;
+            for (int32_t i = 0; i < count; ++i) {
+                firstColumn = std::min(firstColumn, taps[i].tap[0]);
+                lastColumn = std::max(lastColumn, taps[i].tap[3]);
+            }
+        },
+        [&](const BoxSpan& span) {
             SumRows(line, job, firstColumn, 4 * (lastColumn - firstColumn + 1), span);
-            uint8_t* const dest = job.DestRow(y) + 4 * int64_t(job.x.firstPixel);
-            ForColumns(
-                job, job.y.Coverage(y), chunk, last,
-                [&](int32_t x) {
-                    BlendBoxPixel<BytePixel>(job, job.y, dest + 4 * int64_t(x), x, y,
-                                             BoxYCubicXPixel<BytePixel, uint32_t>);
-                },
-                [&](int32_t begin, int32_t end) {
-                    for (int32_t x = begin; x < end; ++x) {
-                        const CubicTaps& at = taps[x - chunk];
-                        const auto sum = [&](size_t tap) { return line + 4 * (at.tap[tap] - firstColumn); };
-                        WriteWeighted(dest + 4 * int64_t(x), {sum(0), sum(1), sum(2), sum(3)}, 4, at.weights,
-                                      reciprocal);
-                    }
-                });
-        }
-    }
+        },
+        [&](uint8_t* dest, const CubicTaps& taps, const BoxSpan&) {
+            const auto sum = [&](size_t tap) { return line + 4 * (taps.tap[tap] - firstColumn); };
+            WriteWeighted(dest, {sum(0), sum(1), sum(2), sum(3)}, 4, taps.weights, reciprocal);
+        });
 }
 
 } // namespace
@@ -227,32 +185,22 @@ namespace {
 HWY_EXPORT(BoxXCubicYVector);
 HWY_EXPORT(BoxYCubicXVector);
 
-ScaleJobFn BoxXCubicYBytes(const ScaleJob& job)
-{
-    if (job.x.step <= kVectorSide)
-        return VX_VECTOR_FORM(BoxXCubicYVector, (BoxXCubicY<BytePixel, uint32_t>));
-    const bool narrow = WidestSpan(job.x) * kSubpixelOne * 255 * 2 < kNarrowSums;
-    return narrow ? BoxXCubicY<BytePixel, uint32_t> : BoxXCubicY<BytePixel, uint64_t>;
-}
-
-ScaleJobFn BoxYCubicXBytes(const ScaleJob& job)
-{
-    if (job.y.step <= kVectorSide)
-        return VX_VECTOR_FORM(BoxYCubicXVector, (BoxYCubicX<BytePixel, uint32_t>));
-    const bool narrow = WidestSpan(job.y) * kSubpixelOne * 255 < kNarrowSums;
-    return narrow ? BoxYCubicX<BytePixel, uint32_t> : BoxYCubicX<BytePixel, uint64_t>;
-}
-
 } // namespace
 
 void ScaleBoxXCubicY(const ScaleJob& job, int32_t bytesPerPixel)
 {
-    (bytesPerPixel == FloatPixel::kBytes ? BoxXCubicY<FloatPixel, double> : BoxXCubicYBytes(job))(job);
+    if (bytesPerPixel == FloatPixel::kBytes)
+        return BoxXCubicY<FloatPixel, double>(job);
+    ChooseBoxForm(job.x, 2.0, VX_VECTOR_FORM(BoxXCubicYVector, (BoxXCubicY<BytePixel, uint32_t>)),
+                  BoxXCubicY<BytePixel, uint32_t>, BoxXCubicY<BytePixel, uint64_t>)(job);
 }
 
 void ScaleBoxYCubicX(const ScaleJob& job, int32_t bytesPerPixel)
 {
-    (bytesPerPixel == FloatPixel::kBytes ? BoxYCubicX<FloatPixel, double> : BoxYCubicXBytes(job))(job);
+    if (bytesPerPixel == FloatPixel::kBytes)
+        return BoxYCubicX<FloatPixel, double>(job);
+    ChooseBoxForm(job.y, 1.0, VX_VECTOR_FORM(BoxYCubicXVector, (BoxYCubicX<BytePixel, uint32_t>)),
+                  BoxYCubicX<BytePixel, uint32_t>, BoxYCubicX<BytePixel, uint64_t>)(job);
 }
 
 } // namespace vx

@@ -118,51 +118,23 @@ namespace vx {
 namespace HWY_NAMESPACE {
 namespace {
 
-constexpr int32_t kChunkColumns = 256;
-
-// Sums along the rows serve several destination rows: the two in use are kept, each in the place that
-// its number's low bit says.
 void BoxXLinearYVector(const ScaleJob& job)
 {
     const double reciprocal = 1.0 / (double(job.x.step) * kSubpixelOne);
-    HWY_ALIGN int32_t sums[2][4 * kChunkColumns];
-    BoxSpan spans[kChunkColumns];
-    for (int32_t chunk = 0; chunk < job.x.count; chunk += kChunkColumns) {
-        const int32_t last = std::min(chunk + kChunkColumns, job.x.count);
-        for (int32_t x = chunk; x < last; ++x)
-            spans[x - chunk] = BoxSpanAt(job.x, x);
-        int32_t kept[2] = {-1, -1};
-        const auto sumsOf = [&](int32_t row) {
-            int32_t* const to = sums[row % 2];
-            for (int32_t x = chunk; x < last && kept[row % 2] != row; ++x)
-                StoreSumOfColumns(to + 4 * (x - chunk), job.SourceRow(row), spans[x - chunk]);
-            kept[row % 2] = row;
-            return to;
-        };
-        for (int32_t y = 0; y < job.y.count; ++y) {
+    ForChunksOfBoxX<2>(
+        job, BoxXLinearYPixel<BytePixel, uint32_t>,
+        [&](uint8_t* dest, const auto& sumsOf, int32_t y, int32_t values) {
+            const Doubles lanes;
             const LinearTaps taps = LinearTapsBesideBoxAt(job.y, y);
             const int32_t *const here = sumsOf(taps.here), *const next = sumsOf(taps.next);
-            uint8_t* const dest = job.DestRow(y) + 4 * int64_t(job.x.firstPixel);
-            ForColumns(
-                job, job.y.Coverage(y), chunk, last,
-                [&](int32_t x) {
-                    BlendBoxPixel<BytePixel>(job, job.x, dest + 4 * int64_t(x), x, y,
-                                             BoxXLinearYPixel<BytePixel, uint32_t>);
-                },
-                [&](int32_t begin, int32_t end) {
-                    const Doubles lanes;
-                    const auto hereWeight = hn::Set(lanes, double(kSubpixelOne - taps.fraction));
-                    const auto nextWeight = hn::Set(lanes, double(taps.fraction));
-                    for (int32_t i = 4 * (begin - chunk); i < 4 * (end - chunk);
-                         i += int32_t(hn::Lanes(lanes))) {
-                        const auto h = hn::PromoteTo(lanes, hn::LoadU(PartInts(), here + i));
-                        const auto n = hn::PromoteTo(lanes, hn::LoadU(PartInts(), next + i));
-                        WriteQuotients(dest + 4 * int64_t(chunk) + i,
-                                       hn::Add(hn::Mul(h, hereWeight), hn::Mul(n, nextWeight)), reciprocal);
-                    }
-                });
-        }
-    }
+            const auto hereWeight = hn::Set(lanes, double(kSubpixelOne - taps.fraction));
+            const auto nextWeight = hn::Set(lanes, double(taps.fraction));
+            for (int32_t i = 0; i < values; i += int32_t(hn::Lanes(lanes))) {
+                const auto h = hn::PromoteTo(lanes, hn::LoadU(PartInts(), here + i));
+                const auto n = hn::PromoteTo(lanes, hn::LoadU(PartInts(), next + i));
+                WriteQuotients(dest + i, hn::Add(hn::Mul(h, hereWeight), hn::Mul(n, nextWeight)), reciprocal);
+            }
+        });
 }
 
 QuadVec MixedQuad(const uint8_t* row, const LinearTaps& taps)
@@ -174,44 +146,32 @@ QuadVec MixedQuad(const uint8_t* row, const LinearTaps& taps)
     return hn::ShiftRight<kSubpixelBits>(hn::Add(here, next));
 }
 
+// What a box sums to down the columns of two taps.
+QuadVec SumOfMixed(const ScaleJob& job, const LinearTaps& taps, const BoxSpan& y)
+{
+    auto inner = hn::Zero(QuadInts());
+    for (int32_t row = y.first + 1; row < y.last; ++row)
+        inner = hn::Add(inner, MixedQuad(job.SourceRow(row), taps));
+    const auto share = [&](int32_t row, int32_t s) {
+        return hn::Mul(MixedQuad(job.SourceRow(row), taps), hn::Set(QuadInts(), s));
+    };
+    const auto edges = hn::Add(share(y.first, y.firstShare), share(y.last, y.lastShare));
+    return hn::Add(hn::ShiftLeft<kSubpixelBits>(inner), edges);
+}
+
 void BoxYLinearXVector(const ScaleJob& job)
 {
     const double reciprocal = 1.0 / double(job.y.step);
-    LinearTaps taps[kChunkColumns];
-    for (int32_t chunk = 0; chunk < job.x.count; chunk += kChunkColumns) {
-        const int32_t last = std::min(chunk + kChunkColumns, job.x.count);
-        for (int32_t x = chunk; x < last; ++x)
-            taps[x - chunk] = LinearTapsBesideBoxAt(job.x, x);
-        for (int32_t y = 0; y < job.y.count; ++y) {
-            const BoxSpan span = BoxSpanAt(job.y, y);
-            uint8_t* const dest = job.DestRow(y) + 4 * int64_t(job.x.firstPixel);
-            ForColumns(
-                job, job.y.Coverage(y), chunk, last,
-                [&](int32_t x) {
-                    BlendBoxPixel<BytePixel>(job, job.y, dest + 4 * int64_t(x), x, y,
-                                             BoxYLinearXPixel<BytePixel, uint32_t>);
-                },
-                [&](int32_t begin, int32_t end) {
-                    for (int32_t x = begin; x < end; ++x) {
-                        const LinearTaps& at = taps[x - chunk];
-                        auto inner = hn::Zero(QuadInts());
-                        for (int32_t row = span.first + 1; row < span.last; ++row)
-                            inner = hn::Add(inner, MixedQuad(job.SourceRow(row), at));
-                        const auto first = hn::Mul(MixedQuad(job.SourceRow(span.first), at),
-                                                   hn::Set(QuadInts(), span.firstShare));
-                        const auto final = hn::Mul(MixedQuad(job.SourceRow(span.last), at),
-                                                   hn::Set(QuadInts(), span.lastShare));
-                        HWY_ALIGN int32_t sum[4];
-                        hn::Store(hn::Add(hn::ShiftLeft<kSubpixelBits>(inner), hn::Add(first, final)),
-                                  QuadInts(), sum);
-                        for (int32_t c = 0; c < 4; c += int32_t(hn::Lanes(Doubles())))
-                            WriteQuotients(dest + 4 * int64_t(x) + c,
-                                           hn::PromoteTo(Doubles(), hn::LoadU(PartInts(), sum + c)),
-                                           reciprocal);
-                    }
-                });
-        }
-    }
+    ForChunksOfBoxY<LinearTaps>(
+        job, [&](int32_t x) { return LinearTapsBesideBoxAt(job.x, x); },
+        BoxYLinearXPixel<BytePixel, uint32_t>, [](const LinearTaps*, int32_t) {}, [](const BoxSpan&) {},
+        [&](uint8_t* dest, const LinearTaps& taps, const BoxSpan& span) {
+            HWY_ALIGN int32_t sum[4];
+            hn::Store(SumOfMixed(job, taps, span), QuadInts(), sum);
+            for (int32_t c = 0; c < 4; c += int32_t(hn::Lanes(Doubles())))
+                WriteQuotients(dest + c, hn::PromoteTo(Doubles(), hn::LoadU(PartInts(), sum + c)),
+                               reciprocal);
+        });
 }
 
 } // namespace
@@ -227,32 +187,22 @@ namespace {
 HWY_EXPORT(BoxXLinearYVector);
 HWY_EXPORT(BoxYLinearXVector);
 
-ScaleJobFn BoxXLinearYBytes(const ScaleJob& job)
-{
-    if (job.x.step <= kVectorSide)
-        return VX_VECTOR_FORM(BoxXLinearYVector, (BoxXLinearY<BytePixel, uint32_t>));
-    const bool narrow = WidestSpan(job.x) * kSubpixelOne * 255 * 2 < kNarrowSums;
-    return narrow ? BoxXLinearY<BytePixel, uint32_t> : BoxXLinearY<BytePixel, uint64_t>;
-}
-
-ScaleJobFn BoxYLinearXBytes(const ScaleJob& job)
-{
-    if (job.y.step <= kVectorSide)
-        return VX_VECTOR_FORM(BoxYLinearXVector, (BoxYLinearX<BytePixel, uint32_t>));
-    const bool narrow = WidestSpan(job.y) * kSubpixelOne * 255 < kNarrowSums;
-    return narrow ? BoxYLinearX<BytePixel, uint32_t> : BoxYLinearX<BytePixel, uint64_t>;
-}
-
 } // namespace
 
 void ScaleBoxXLinearY(const ScaleJob& job, int32_t bytesPerPixel)
 {
-    (bytesPerPixel == FloatPixel::kBytes ? BoxXLinearY<FloatPixel, double> : BoxXLinearYBytes(job))(job);
+    if (bytesPerPixel == FloatPixel::kBytes)
+        return BoxXLinearY<FloatPixel, double>(job);
+    ChooseBoxForm(job.x, 2.0, VX_VECTOR_FORM(BoxXLinearYVector, (BoxXLinearY<BytePixel, uint32_t>)),
+                  BoxXLinearY<BytePixel, uint32_t>, BoxXLinearY<BytePixel, uint64_t>)(job);
 }
 
 void ScaleBoxYLinearX(const ScaleJob& job, int32_t bytesPerPixel)
 {
-    (bytesPerPixel == FloatPixel::kBytes ? BoxYLinearX<FloatPixel, double> : BoxYLinearXBytes(job))(job);
+    if (bytesPerPixel == FloatPixel::kBytes)
+        return BoxYLinearX<FloatPixel, double>(job);
+    ChooseBoxForm(job.y, 1.0, VX_VECTOR_FORM(BoxYLinearXVector, (BoxYLinearX<BytePixel, uint32_t>)),
+                  BoxYLinearX<BytePixel, uint32_t>, BoxYLinearX<BytePixel, uint64_t>)(job);
 }
 
 } // namespace vx

@@ -82,9 +82,9 @@ Channels<float> Filtered(FloatPixel, const CubicRows& rows, const CubicTaps& x)
 }
 
 // A run of columns with what each samples, so that it is worked out once for all rows.
-constexpr int32_t kStripColumns = 1024;
-constexpr int32_t kChunkColumns = 128; // whose source columns are filtered into one line
-constexpr int32_t kSpareLanes = 16;    // a vector may be loaded where fewer columns are left
+constexpr int32_t kStripColumns = 4096; // long: rows are read and written best from end to end
+constexpr int32_t kChunkColumns = 128;  // whose source columns are filtered into one line
+constexpr int32_t kSpareLanes = 16;     // a vector may be loaded where fewer columns are left
 
 struct Strip
 {

@@ -65,7 +65,7 @@ void WriteMixed(uint8_t* dest, const RowPair& rows, const LinearTaps& x)
 }
 
 // A run of columns with what each samples, so that it is worked out once for all rows.
-constexpr int32_t kStripColumns = 512;
+constexpr int32_t kStripColumns = 2048;
 constexpr int32_t kSpareLanes = 16; // a vector may be loaded where fewer columns are left
 
 struct Strip
@@ -159,9 +159,12 @@ struct Columns
     HWY_ALIGN int32_t weights[kStripColumns]; // a pair of 16-bit ones a pixel, vector by vector
     int32_t place[kStripColumns];             // of the source pixel, in bytes
     int32_t groups;
+    int32_t fetchStep;                  // bytes of a row from one place to fetch to the next
     bool atEnd[kStripColumns / kGroup]; // fewer than 16 bytes are left in the source row from some place on
 
-    Columns(const Strip& strip, int32_t sourceSize) : groups((strip.count + kGroup - 1) / kGroup)
+    Columns(const Strip& strip, const ScaleAxis& axis)
+        : groups((strip.count + kGroup - 1) / kGroup),
+          fetchStep(std::max(64, BytePixel::kBytes * (axis.step >> kSubpixelBits)))
     {
         for (int32_t k = 0; k < groups * kGroup; ++k) {
             const LinearTaps taps = strip.Taps(std::min(k, strip.count - 1));
@@ -169,7 +172,7 @@ struct Columns
             weights[InVectors(k)] = (kSubpixelOne - ofNext) | ofNext << 16;
             place[k] = BytePixel::kBytes * taps.here;
             bool& end = atEnd[k / kGroup];
-            end = (k % kGroup != 0 && end) || taps.here + 4 > sourceSize;
+            end = (k % kGroup != 0 && end) || taps.here + 4 > axis.sourceSize;
         }
     }
 
@@ -210,7 +213,9 @@ void MixColumns(float* line, const uint8_t* row, const uint8_t* rowAfter, const 
             MixGroupAtEnd(line, row, columns, group);
             continue;
         }
-        hwy::Prefetch(rowAfter + columns.place[at]);
+        for (int32_t place = columns.place[at]; place <= columns.place[at + kGroup - 1];
+             place += columns.fetchStep)
+            hwy::Prefetch(rowAfter + place);
         for (int32_t j = 0; j < 4; ++j) {
             const auto pixels = GatherBlocks<4>(bytes, row, columns.place + at + j, 1);
             const auto words = hn::BitCast(Words(), hn::TableLookupBytesOr0(pixels, pairs));
@@ -313,12 +318,13 @@ void WriteGroups(uint8_t* dest, const LinePair& lines, const RowPair& rows, cons
 // kept, each in the place that its row's low bit says.
 void LinearByteBand(const ScaleJob& job, const Strip& strip, int32_t first, int32_t last)
 {
-    const Columns columns(strip, job.x.sourceSize);
+    const Columns columns(strip, job.x);
     HWY_ALIGN float lines[2][4 * kStripColumns];
     int32_t kept[2] = {-1, -1};
+    const int32_t rowsAhead = std::max(job.y.step >> kSubpixelBits, 1);
     const auto lineOf = [&](int32_t row) {
         if (std::exchange(kept[row % 2], row) != row)
-            MixColumns(lines[row % 2], job.SourceRow(row), job.SourceRow(row + 1), columns);
+            MixColumns(lines[row % 2], job.SourceRow(row), job.SourceRow(row + rowsAhead), columns);
         return lines[row % 2];
     };
     ForRows<BytePixel>(job, strip, first, last,

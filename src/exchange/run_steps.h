@@ -162,6 +162,11 @@ HWY_INLINE void UnpackWords(BlockWord<TheCodec>* __restrict words, const uint8_t
         std::copy_n(fields, n, words);
 }
 
+// Types whose words memory holds as they are.
+template <class TheCodec>
+constexpr bool kWordsStand = (TheCodec::kShape == Shape::Word || TheCodec::kShape == Shape::Gray) &&
+                             (TheCodec::kBits == 16 || TheCodec::kBits == 32);
+
 template <class TheCodec, class Steps>
 HWY_INLINE void ReadWords(BlockWord<TheCodec>* __restrict words, const uint8_t* __restrict p, int32_t n,
                           const ReadContext& context)
@@ -354,10 +359,17 @@ template <class TheCodec, class Steps, class Pixels>
 HWY_INLINE void WriteWords(uint8_t* __restrict p, const Pixels& pixels, int32_t n,
                            const WriteContext& context)
 {
-    using Word = std::conditional_t<TheCodec::kBits <= 8, uint8_t, typename TheCodec::Word>;
-    alignas(64) Word words[kBlock];
-    EncodeWords<TheCodec>(words, pixels, n, context);
-    StoreWords<TheCodec, Steps>(p, words, n);
+    if constexpr (kWordsStand<TheCodec>) {
+        using Word = typename TheCodec::Word;
+        for (int32_t i = 0; i < n; ++i)
+            TheCodec::Place::Store(p + i * int32_t(sizeof(Word)), 0,
+                                   Word(TheCodec::Encode(PixelAt(pixels, i), context)));
+    } else {
+        using Word = std::conditional_t<TheCodec::kBits <= 8, uint8_t, typename TheCodec::Word>;
+        alignas(64) Word words[kBlock];
+        EncodeWords<TheCodec>(words, pixels, n, context);
+        StoreWords<TheCodec, Steps>(p, words, n);
+    }
 }
 
 template <class TheCodec, class Steps>
@@ -446,7 +458,12 @@ HWY_INLINE void ReadPlanes(RunPlanes& planes, const uint8_t* __restrict p, int32
             return;
         }
     }
-    if constexpr (TheCodec::kShape != Shape::Channels) {
+    if constexpr (kWordsStand<TheCodec>) {
+        for (int32_t i = 0; i < n; ++i) {
+            const auto word = TheCodec::Place::Load(p + i * int32_t(sizeof(typename TheCodec::Word)), 0);
+            SetPixel(planes, i, DecodeWord<TheCodec, kExact>(word, context));
+        }
+    } else if constexpr (TheCodec::kShape != Shape::Channels) {
         alignas(64) BlockWord<TheCodec> words[kBlock];
         ReadWords<TheCodec, Steps>(words, p, n, context);
         for (int32_t i = 0; i < n; ++i)

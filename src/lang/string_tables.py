@@ -207,6 +207,8 @@ def header_of(english):
     names = "\n".join(f"inline constexpr vxlang_t* k{entry.msgctxt} = &g_tables[{index}];"
                       for index, entry in enumerate(english.values()))
     lcids = ", ".join(f"0x{lcid:04X}" for _, lcid in LANGUAGES)
+    languages = ", ".join(f'"{language}"' for language, _ in LANGUAGES)
+    names_as_text = ", ".join(f'"{entry.msgctxt}"' for entry in english.values())
     return f"""// Made from strings/*.po by string_tables.py: change those.
 #pragma once
 
@@ -215,7 +217,9 @@ def header_of(english):
 namespace vx::strings {{
 
 inline constexpr uint16_t kSlotLcids[VXLANG_SLOTS] = {{{lcids}}};
+inline constexpr const char* kSlotLanguages[VXLANG_SLOTS] = {{{languages}}};
 inline constexpr int kCount = {len(english)};
+inline constexpr const char* kNames[kCount] = {{{names_as_text}}};
 
 // Lookups write to tables that hold numbers of resources; these hold texts only.
 extern vxlang_t g_tables[kCount];

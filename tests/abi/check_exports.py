@@ -3,7 +3,8 @@
 
 usage: check_exports.py LIBRARY EXPORT_MACRO HEADER...
 
-Each function that a header marks with the macro must be exported under exactly its name; nothing else may be. Names that
+Each function and constant that a header marks with the macro must be exported under exactly its name; nothing else may
+be. Names that
 stand for two overloads, and exported classes, have C++ linkage: they are compared by their demangled names.
 """
 
@@ -19,6 +20,7 @@ def declared(macro, headers):
         text = re.sub(r"/\*.*?\*/|//[^\n]*", "", pathlib.Path(header).read_text(), flags=re.DOTALL)
         text = re.sub(r"^\s*#.*$", "", text, flags=re.MULTILINE)
         names |= set(re.findall(macro + r"\s[^;({]*?(\w+)\s*\(", text))
+        names |= set(re.findall(macro + r"\s+extern\s[^;({]*?(\w+)\s*;", text))
         names |= set(re.findall(r"class\s+" + macro + r"\s+(\w+)", text))
     return names
 

@@ -18,7 +18,7 @@ public:
     explicit HostModule(const Resources& resources, const std::optional<Resources>& languageFile = {})
     {
         if (languageFile)
-            Write(u"host.LNG", *languageFile);
+            folder_.Write("host.LNG", ResImage(*languageFile));
         module = Load(u"host.bin", resources);
         EXPECT_EQ(vx::OpenKernelLanguage(module), S_OK);
     }
@@ -30,7 +30,7 @@ public:
 
     HMODULE Load(const std::u16string& name, const Resources& resources) const
     {
-        Write(name, resources);
+        folder_.Write(std::string(name.begin(), name.end()), ResImage(resources));
         const HMODULE loaded = LoadLibraryW(folder_.DrivePath(name).c_str());
         EXPECT_NE(loaded, nullptr);
         return loaded;
@@ -39,11 +39,6 @@ public:
     HMODULE module = nullptr;
 
 private:
-    void Write(const std::u16string& name, const Resources& resources) const
-    {
-        folder_.Write(std::string(name.begin(), name.end()), ResImage(resources));
-    }
-
     TempFolder folder_;
     OnlyLocale english_{"en-US"};
 };
@@ -63,11 +58,5 @@ public:
 private:
     HVXLANG handle_ = nullptr;
 };
-
-inline bool IsLoaded(HMODULE module)
-{
-    char16_t path[8];
-    return GetModuleFileNameW(module, path, 8) != 0;
-}
 
 } // namespace vxtest

@@ -67,16 +67,13 @@ TEST(Language, TextsAreCutToTheRoomAndLoseTheirMark)
             if (want.starts_with(u"^*"))
                 want.erase(0, 2);
             vxlang_t table = {VXLANG_MARK, 1, 0, {texts[id].c_str()}, 0};
-            char16_t fromResource[12], fromTable[12];
-            std::fill_n(fromResource, 12, u'#');
-            std::fill_n(fromTable, 12, u'#');
-            EXPECT_EQ(VxLoadString(handle, id, fromResource, room), int32_t(want.size()));
-            EXPECT_EQ(VxLoadString(handle, &table, fromTable, room), int32_t(want.size()));
-            EXPECT_EQ(fromResource[std::max(room, 0)], u'#') << id << ", room " << room;
-            EXPECT_EQ(fromTable[std::max(room, 0)], u'#') << id << ", room " << room;
-            if (room > 0) {
-                EXPECT_EQ(fromResource, want) << id << ", room " << room;
-                EXPECT_EQ(fromTable, want) << id << ", room " << room;
+            for (const bool fromTable : {false, true}) {
+                std::u16string text(12, u'#');
+                EXPECT_EQ(fromTable ? VxLoadString(handle, &table, text.data(), room)
+                                    : VxLoadString(handle, id, text.data(), room),
+                          int32_t(want.size()));
+                EXPECT_EQ(text[size_t(std::max(room, 0))], u'#') << id << ", room " << room;
+                EXPECT_TRUE(room < 1 || std::u16string(text.c_str()) == want) << id << ", room " << room;
             }
         }
     EXPECT_EQ(std::u16string(VxGetString(handle, 0u)), u"Retry");
@@ -142,8 +139,8 @@ TEST(Language, AHandedOverModuleServesBothHandlesAndGoesWithItsOwn)
         EXPECT_EQ(VxEnumResourceLanguages(handle, 7, list, 6), 5);
         EXPECT_EQ(std::u16string(list), u"DEU,F");
     }
-    EXPECT_FALSE(IsLoaded(other));
     char16_t text[20];
+    EXPECT_EQ(GetModuleFileNameW(other, text, 20), 0u); // freed
     VxLoadString(kernel, 1, text, 20);
     EXPECT_EQ(std::u16string(text), u"file de");
     VxLang_ChangeLangInst(kernel, host.module); // a module of its own is not freed
@@ -151,7 +148,7 @@ TEST(Language, AHandedOverModuleServesBothHandlesAndGoesWithItsOwn)
     EXPECT_EQ(std::u16string(VxGetString(kernel, 1)), u"module en");
 }
 
-TEST(Language, OpeningWithoutMemoryLeavesNoHandle)
+TEST(Language, OpeningWithoutMemoryOrTwiceChangesNothing)
 {
     HVXLANG handle = nullptr;
     for (uint32_t n = 1; n <= 2; ++n) {
@@ -159,33 +156,26 @@ TEST(Language, OpeningWithoutMemoryLeavesNoHandle)
         EXPECT_EQ(VxLang_Open(&handle, nullptr, 0, 0), E_OUTOFMEMORY);
         EXPECT_EQ(handle, nullptr);
     }
-    VxPlatform_FailAllocationAt(0);
     const Handle open;
     handle = open;
     EXPECT_EQ(VxLang_Open(&handle, nullptr, kGerman, 0), VX_S_ALREADY_OPEN);
     EXPECT_EQ(handle, open);
     EXPECT_EQ(VxLang_GetLCID(open), 0u);
-    EXPECT_EQ(VxLang_Close(nullptr), 0);
-    EXPECT_EQ(VxLang_GetLCID(nullptr), 0u);
-    EXPECT_EQ(VxLang_UseRTL(nullptr), 0);
 }
 
 TEST(Language, ThreadsShareAHandle)
 {
     Resources resources;
-    for (int block = 0; block < 8; ++block) {
-        std::vector<std::u16string> texts;
-        for (int i = 0; i < 16; ++i)
-            texts.push_back(u"text " + std::u16string(size_t(block * 16 + i), u'x'));
-        resources.push_back(Strings(block * 16, kEnglish, texts));
-    }
+    for (int id = 0; id < 128; id += 16) // as long as the block's number tells
+        resources.push_back(
+            Strings(id, kEnglish, std::vector(16, u"text " + std::u16string(size_t(id), u'x'))));
     const HostModule host(resources);
     const Handle handle(host.module);
     vxlang_t table = {VXLANG_MARK, 2, 0, {u"english", MAKEINTRESOURCEW(9)}, 0};
     const auto read = [&](uint32_t first) {
         for (uint32_t i = 0; i < 500; ++i) {
             const uint32_t id = (first + i * 37) % 128;
-            EXPECT_EQ(std::u16string_view(VxGetString(handle, id)).size(), 5u + id);
+            EXPECT_EQ(std::u16string_view(VxGetString(handle, id)).size(), 5 + id / 16 * 16);
             EXPECT_EQ(VxGetString(handle, &table), table.text[0]);
             EXPECT_NE(VxGetTempStringBuffer(handle, int32_t(id)), nullptr);
         }

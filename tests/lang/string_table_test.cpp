@@ -5,46 +5,39 @@ using namespace vxtest;
 
 namespace {
 
-constexpr const char16_t* kTexts[VXLANG_SLOTS] = {u"1",  u"2",  u"3",  u"4",  u"5",  u"6",
-                                                  u"7",  u"8",  u"9",  u"10", u"11", u"12",
-                                                  u"13", u"14", u"15", u"16", u"17", u"18"};
-
-vxlang_t TableOf(uint16_t count)
+// Its texts are the letters A to R.
+struct Letters
 {
-    vxlang_t table = {VXLANG_MARK, count, 0, {}, 0};
-    std::copy_n(kTexts, VXLANG_SLOTS, table.text);
-    return table;
-}
+    explicit Letters(uint16_t count) : table{VXLANG_MARK, count, 0, {}, 0}
+    {
+        for (int slot = 0; slot < VXLANG_SLOTS; ++slot) {
+            texts[slot][0] = char16_t(u'A' + slot);
+            table.text[slot] = texts[slot];
+        }
+    }
+    char16_t In(HVXLANG handle) { return *VxGetString(handle, &table); }
+
+    char16_t texts[VXLANG_SLOTS][2] = {};
+    vxlang_t table;
+};
 
 } // namespace
 
 TEST(StringTable, EveryLocaleHasItsSlot)
 {
-    const struct
-    {
-        uint32_t lcid;
-        uint16_t count;
-        const char16_t* want;
-    } cases[] = {
-        {0x0409, 18, u"1"},     {0x0809, 18, u"1"},  {0x0411, 18, u"2"},
-        {0x0407, 18, u"3"},     {0x0807, 18, u"3"},  {0x040A, 18, u"4"},
-        {0x0C0A, 18, u"4"},     {0x040C, 18, u"5"},  {0x0804, 18, u"6"},
-        {0x1004, 18, u"6"},     {0x0404, 18, u"7"},  {0x0C04, 18, u"7"},
-        {0x0406, 18, u"8"},     {0x040B, 18, u"9"},  {0x0410, 18, u"10"},
-        {0x0412, 18, u"11"},    {0x0413, 18, u"12"}, {0x0414, 18, u"13"},
-        {0x0814, 18, u"13"},    {0x0416, 18, u"14"}, {0x0816, 18, u"15"},
-        {0x0419, 18, u"16"},    {0x041D, 18, u"17"}, {0x0415, 18, u"18"},
-        {0x040E, 18, u"1"},     {0x040B, 5, u"5"},   {0x040B, 0, u"1"},
-        {0x040B, 0x0105, u"5"}, // the low 8 bits count
-    };
-    for (const auto& c : cases) {
-        vxlang_t table = TableOf(c.count);
-        const Handle handle(nullptr, c.lcid);
-        EXPECT_EQ(std::u16string(VxGetString(handle, &table)), c.want) << std::hex << c.lcid;
-    }
+    constexpr uint32_t kLcids[] = {0x0409, 0x0411, 0x0407, 0x040A, 0x040C, 0x0804, 0x0404, 0x0406, 0x040B,
+                                   0x0410, 0x0412, 0x0413, 0x0414, 0x0416, 0x0816, 0x0419, 0x041D, 0x0415};
+    for (int slot = 0; slot < VXLANG_SLOTS; ++slot)
+        EXPECT_EQ(Letters(18).In(Handle(nullptr, kLcids[slot])), u'A' + slot);
+    const std::pair<uint32_t, char16_t> others[] = {{0x0809, u'A'}, {0x0C0A, u'D'}, {0x0C04, u'G'},
+                                                    {0x1004, u'F'}, {0x0814, u'M'}, {0x040E, u'A'}};
+    for (const auto& [lcid, want] : others)
+        EXPECT_EQ(Letters(18).In(Handle(nullptr, lcid)), want) << std::hex << lcid;
+    const std::pair<uint16_t, char16_t> counts[] = {{5, u'E'}, {0, u'A'}, {0x0105, u'E'}, {200, u'I'}};
+    for (const auto& [count, want] : counts)
+        EXPECT_EQ(Letters(count).In(Handle(nullptr, 0x040B)), want) << count;
     const OnlyLocale locale("fi-FI");
-    vxlang_t table = TableOf(18);
-    EXPECT_EQ(std::u16string(VxGetString(Handle(), &table)), u"9"); // the user's
+    EXPECT_EQ(Letters(18).In(Handle()), u'I'); // the user's
 }
 
 TEST(StringTable, BuiltInTablesLieTogetherAndFallBackToEnglish)
@@ -87,11 +80,11 @@ TEST(StringTable, ATextArgumentIsOneOfFourThings)
 {
     const HostModule host({Strings(0, 0x0409, {u"", u"by number"})});
     const Handle handle(host.module);
-    vxlang_t table = TableOf(18);
+    Letters letters(18);
     alignas(4) const char16_t shifted[] = {u'x', VXLANG_MARK, u'y', u'\0'};
     EXPECT_EQ(VxGetStringSmart(handle, nullptr), nullptr);
     EXPECT_EQ(std::u16string(VxGetStringSmart(handle, MAKEINTRESOURCEW(1))), u"by number");
-    EXPECT_EQ(VxGetStringSmart(handle, vx::AsTextArgument(&table)), kTexts[0]);
+    EXPECT_EQ(VxGetStringSmart(handle, vx::AsTextArgument(&letters.table)), letters.texts[0]);
     EXPECT_EQ(VxGetStringSmart(handle, shifted), shifted);
     EXPECT_EQ(VxGetStringSmart(handle, shifted + 1), shifted + 1); // a mark, but no multiple of 4
     EXPECT_FALSE(IsVXLANGSTRINGID(handle, nullptr));

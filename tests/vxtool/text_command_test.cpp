@@ -96,6 +96,8 @@ TEST_F(TextCommand, TimecodesConvertAndCount)
         {"timecode 00:01:00:00 --from 29.97drop --to 29.97drop --only frames", "1800\n"},
         {"timecode 600600000 --nanos --from 29.97drop --to 30 --only label", "00:01:00:01\n"},
         {"timecode 0:10:0 --add 5 --subtract 1:0 --step -1 --from 25 --to 25 --only label", "00:00:09:04\n"},
+        {"lang Retry --language de --language ja", "Retry\n  de     &Wiederholen\n  ja     再試行(&R)\n"},
+        {"lang Retry --language nb --missing", "nb: 1 of 1 texts are translated\n"},
         {"timecode --table 00:00:59:28..00:01:00:03 --from 29.97drop --only label",
          "00:00:59;28\n00:00:59;29\n00:01:00;02\n00:01:00;03\n"},
         {"timecode --table 23:59:59:26..1 --step 5 --only frames", "2591996\n1\n"},

@@ -9,9 +9,10 @@ namespace vxtool {
 namespace {
 
 constexpr const Command* kCommands[] = {
-    &kInfo, &kConvert,   &kPalette, &kPixel, &kFlip,   &kSwap,     &kChannel,   &kScale,    &kFields, &kBars,
-    &kRamp, &kZone,      &kChecker, &kFill,  &kLut,    &kMap,      &kThreshold, &kMultiply, &kMask,   &kBlend,
-    &kFade, &kComposite, &kSheet,   &kPrint, &kNumber, &kTimecode, &kRuler,     &kPath,
+    &kInfo,      &kConvert,  &kPalette, &kPixel, &kFlip,    &kSwap,      &kChannel, &kScale,
+    &kFields,    &kBars,     &kRamp,    &kZone,  &kChecker, &kFill,      &kLut,     &kMap,
+    &kThreshold, &kMultiply, &kMask,    &kBlend, &kFade,    &kComposite, &kSheet,   &kPrint,
+    &kNumber,    &kTimecode, &kRuler,   &kPath,  &kLang,    &kSettings,
 };
 
 std::string Overview()

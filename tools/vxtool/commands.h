@@ -16,7 +16,8 @@ extern const Command kConvert, kPalette, kPixel;
 extern const Command kScale, kFields;
 extern const Command kLut, kMap, kThreshold;
 extern const Command kSheet;
-extern const Command kPrint, kNumber, kTimecode, kRuler, kPath;
+extern const Command kPrint, kNumber, kTimecode, kRuler, kPath, kLang;
+extern const Command kSettings;
 
 // In the order of the help.
 std::span<const Command* const> AllCommands();
