@@ -9,6 +9,7 @@
 #include "vx/curve.h"
 #include "vx/dib.h"
 #include "vx/dibcopy.h"
+#include "vx/errors.h"
 #include "vx/fields.h"
 #include "vx/formattext.h"
 #include "vx/internationals.h"

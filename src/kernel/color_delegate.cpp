@@ -24,7 +24,8 @@ constinit std::atomic<HMODULE> colorModule = nullptr;
 template <class Function>
 Function ExportOf(HMODULE module, const char* name)
 {
-    return reinterpret_cast<Function>(GetProcAddress(module, name));
+    using AnyFn = void (*)(); // casts to and from which no compiler doubts
+    return reinterpret_cast<Function>(reinterpret_cast<AnyFn>(GetProcAddress(module, name)));
 }
 
 void Resolve()

@@ -4,6 +4,7 @@
 #include "kernel/color_delegate.h"
 #include "kernel/state.h"
 #include "lang/kernel_language.h"
+#include "vx/errors.h"
 #include "vx/platform/errormode.h"
 #include "vx/platform/testing.h"
 #include "vx/print.h"
@@ -147,7 +148,7 @@ TEST_F(Kernel, AStartWithoutMemoryFailsAndCanBeRepeated)
 TEST_F(Kernel, APathThatDoesNotFit)
 {
     char16_t path[8] = u"#######";
-    EXPECT_TRUE(FAILED(VxKernel_GetAppKernelPathName(path, 0)));
+    EXPECT_EQ(VxKernel_GetAppKernelPathName(path, 0), E_FAIL) << "a code without a status of its own";
     EXPECT_EQ(std::u16string(path), u"#######");
 }
 
@@ -162,6 +163,26 @@ TEST_F(Kernel, PreferenceChanges)
         calls.clear();
         VxKernel_UserPrefChanges(-1, c.message);
         EXPECT_EQ(calls, c.calls) << c.message;
+    }
+}
+
+TEST(Errors, SystemCodesAsStatuses)
+{
+    const struct
+    {
+        uint32_t error, system, dialog;
+    } cases[] = {{0, 0, 0},
+                 {2, 0x8004E00A, 0x8007000E},
+                 {5, 0x80070005, 0x8007000E},
+                 {6, 0x80070006, 0x8004E00E},
+                 {127, 0x8004E00A, 0x80004005},
+                 {9999, 0x80004005, 0x80004005},
+                 {0x3002, 0x80004005, 0x8004E00D},
+                 {0xFFFF, 0x80004005, 0x80070057},
+                 {0xFFFFFFFF, 0x80004005, 0x80004005}};
+    for (const auto& c : cases) {
+        EXPECT_EQ(uint32_t(VxErrorHandler_TranslateWin32Error(c.error)), c.system) << c.error;
+        EXPECT_EQ(uint32_t(VxErrorHandler_TranslateCommDlgError(c.error)), c.dialog) << c.error;
     }
 }
 
