@@ -2,9 +2,8 @@
 #include "families.h"
 #include "peers.h"
 #include "report.h"
-#include "text/tokens.h"
 #include "vx/capability.h"
-#include "vx/internationals.h"
+#include "vx/kernel.h"
 #include "vx/platform/locale.h"
 
 #include <algorithm>
@@ -76,8 +75,7 @@ void SetUpBenchmark()
 void StartKernel()
 {
     VxPlatform_SetUserLocale("en-US");
-    VxLang_GetInternationals(nullptr, 0);
-    vx::CreatePrintTokens();
+    VxKernel_EarlyInitialize(nullptr, 0);
 }
 
 void ShowProgress(const std::string& work, size_t number, size_t count)

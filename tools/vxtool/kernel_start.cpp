@@ -1,7 +1,6 @@
 #include "vxtool/kernel_start.h"
 
-#include "text/tokens.h"
-#include "vx/internationals.h"
+#include "vx/kernel.h"
 #include "vx/platform/locale.h"
 #include "vxtool/failure.h"
 
@@ -12,9 +11,7 @@ void StartKernel(const Arguments& arguments)
     if (const std::string* locale = arguments.Text("--locale"))
         if (!VxPlatform_SetUserLocale(locale->c_str()))
             FailArgument("--locale takes a name as de-DE, not '", *locale, "'");
-    VxLang_GetInternationals(nullptr, 0);
-    // No exported call makes the token list yet; for this one line the tool links the library's objects.
-    if (!vx::CreatePrintTokens())
+    if (!VxKernel_EarlyInitialize(nullptr, 0))
         FailFile("there is not enough memory to start");
 }
 
