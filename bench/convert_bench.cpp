@@ -2,7 +2,7 @@
 // - OpenCV rounds floats to the nearest byte; its 16-bit gray takes two steps.
 // - zimg converts planes, four of which it is given; its ordered dither has 16 by 16 pixels.
 // - libyuv has no RGB24 from RGB565 and makes 32 bits of it.
-#include "dib/bitmap.h"
+#include "bitmap.h"
 #include "families.h"
 #include "peers.h"
 #include "plain.h"
@@ -16,8 +16,6 @@
 
 namespace vxbench {
 namespace {
-
-using vxtest::Bitmap;
 
 constexpr uint32_t kPickQuality = 1, kFineQuality = 3;
 constexpr double kGeneralGoal = 6.0; // times the copy, for pairs without a path of their own
