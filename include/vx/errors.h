@@ -113,7 +113,8 @@ VX_EXTERN_C_END
 /* Adds a host's table, for the rest of the process. Its rows stay the host's, who keeps them in memory; of two rows
  * for one status the first counts, whether in one table or two.
  *   language  resolves the texts: a handle that stays open while failures are shown. The form without it takes
- *             the kernel's handle, that of each start of the kernel
+ *             the kernel's handle, that of each start of the kernel. Without a handle tables are in English,
+ *             and numbers have no text
  * Returns 0, or 1 with nothing done where VXERROR_MAX_TABLES were added. */
 VX_EXPORT int32_t VxErrorHandler_AddErrorTable(const _vxerror_table* rows, uint32_t count);
 VX_EXPORT int32_t VxErrorHandler_AddErrorTable(HVXLANG language, const _vxerror_table_rcid* rows,

@@ -31,6 +31,17 @@ uint32_t g_hostTableCount;
 
 constexpr uintptr_t kLastNumber = 0xFFFF;
 
+// Failures are shown outside a run of the kernel too, when there is no handle: tables are in English then, and
+// strings of resources are not known.
+const char16_t* TextOf(HVXLANG language, const char16_t* text)
+{
+    if (language)
+        return VxGetStringSmart(language, text);
+    if (reinterpret_cast<uintptr_t>(text) <= kLastNumber)
+        return nullptr;
+    return IsVXLANGSTRINGID(language, text) ? reinterpret_cast<const vxlang_t*>(text)->text[0] : text;
+}
+
 // A reason needs 100 characters of room to be worth beginning.
 constexpr uint32_t kMostContext = VXERROR_MESSAGE_CHARS - 100;
 
@@ -67,7 +78,7 @@ const char16_t* VxErrorHandler_GetHresultString(HRESULT code)
     for (const HostTable& table : std::span(g_hostTables, g_hostTableCount)) {
         const auto row = std::ranges::find(table.Rows(), code, &_vxerror_table::code);
         if (row != table.Rows().end())
-            return VxGetStringSmart(table.Language(), row->text);
+            return TextOf(table.Language(), row->text);
     }
     const auto reason = std::ranges::find(BuiltInReasons(), uint32_t(code), &Reason::status);
     return reason != BuiltInReasons().end() ? KernelText(reason->text) : nullptr;
