@@ -1,5 +1,6 @@
 #include "errors/details.h"
 
+#include "kernel/text.h"
 #include "vx/errors.h"
 #include "vx/platform/threads.h"
 #include "vx/print.h"
@@ -16,7 +17,7 @@ ErrorDetails g_errorDetails;
 
 } // namespace vx
 
-using vx::g_errorDetails;
+using vx::CopyCut, vx::g_errorDetails;
 
 namespace {
 
@@ -67,12 +68,6 @@ HRESULT AddLine(HRESULT code, const char16_t* format, va_list arguments)
     return S_OK;
 }
 
-template <size_t N>
-void CopyCut(char16_t (&dst)[N], std::u16string_view src)
-{
-    *std::ranges::copy(src.substr(0, N - 1), dst).out = u'\0';
-}
-
 } // namespace
 
 HRESULT VxErrorHandler_DetailsInit()
@@ -108,8 +103,8 @@ HRESULT VxErrorHandler_DetailsSetHyperlink(const char16_t* url, const char16_t* 
     if (!url || !caption)
         return E_POINTER;
     const std::scoped_lock lock(g_detailsLock);
-    CopyCut(g_errorDetails.linkUrl, url);
-    CopyCut(g_errorDetails.linkText, caption);
+    CopyCut(url, g_errorDetails.linkUrl, int32_t(std::size(g_errorDetails.linkUrl)));
+    CopyCut(caption, g_errorDetails.linkText, int32_t(std::size(g_errorDetails.linkText)));
     return S_OK;
 }
 

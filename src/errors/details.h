@@ -1,4 +1,4 @@
-// What the process keeps of its last failure. The message box shows it and clears it.
+// What the process keeps of its last failure.
 #pragma once
 
 #include "vx/errors.h"

@@ -42,8 +42,8 @@ std::u16string_view WithoutFirst(std::u16string_view text, char16_t c)
 // Both without their dots.
 bool IsSameExtension(std::u16string_view mine, const char16_t* other)
 {
-    const LocalPath copy(mine); // terminated
-    return lstrcmpiW(copy.View().data(), other) == 0;
+    const PathText copy(mine); // terminated
+    return lstrcmpiW(copy.Text(), other) == 0;
 }
 
 } // namespace

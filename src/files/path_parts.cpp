@@ -82,16 +82,6 @@ size_t ExtensionStart(std::u16string_view name)
     return DotOf(name);
 }
 
-int32_t CopyCut(std::u16string_view text, char16_t* dst, int32_t dstChars)
-{
-    if (dstChars < 1)
-        return 0;
-    const std::u16string_view kept = CutTo(text, dstChars);
-    std::char_traits<char16_t>::move(dst, kept.data(), kept.size());
-    dst[kept.size()] = u'\0';
-    return int32_t(kept.size());
-}
-
 } // namespace vx
 
 using namespace vx;

@@ -45,9 +45,9 @@ char16_t* VxGetFileNamePtrRelative(const char16_t* other, const char16_t* path)
 HRESULT VxGetBasePathRelative(const char16_t* other, const char16_t* path, char16_t* dst, int32_t dstChars)
 {
     const std::u16string_view whole = ViewOf(path);
-    LocalPath base(whole.substr(0, CommonNames(ViewOf(other), whole)));
+    PathText base(whole.substr(0, CommonNames(ViewOf(other), whole)));
     if (!base.View().empty() && !base.View().ends_with(u'\\'))
-        base.Append(u"\\");
+        base.Add(u"\\");
     return CopyOrFail(base.View(), dst, dstChars);
 }
 
@@ -59,7 +59,7 @@ HRESULT VxReplaceBasePathRelative(const char16_t* path, const char16_t* oldBase,
         CopyCut(u"", dst, dstChars);
         return E_FAIL;
     }
-    LocalPath result(now);
-    result.Append(whole.substr(before.size()));
+    PathText result(now);
+    result.Add(whole.substr(before.size()));
     return CopyOrFail(result.View(), dst, dstChars);
 }

@@ -116,7 +116,7 @@ struct LanguageList
 
 void Append(LanguageList& list, std::u16string_view text)
 {
-    list.length += CopyText(text, list.text + list.length, kLanguageListChars - list.length);
+    list.length += CopyCut(text, list.text + list.length, kLanguageListChars - list.length);
 }
 
 BOOL AppendLanguage(HMODULE, const char16_t*, const char16_t*, WORD language, LONG_PTR context)
@@ -235,7 +235,7 @@ int32_t VxLang_GetLangllCC(HVXLANG handle, char16_t* dst, int32_t dstChars)
     const uint32_t language = VxLang_GetLCID(handle) & kPrimaryLanguageMask;
     const auto* found = std::ranges::find(kTags, language, &LanguageTag::language);
     const bool known = found != std::end(kTags);
-    CopyText(known ? found->tag : kEmptyText, dst, dstChars);
+    CopyCut(known ? found->tag : kEmptyText, dst, dstChars);
     return !known;
 }
 
@@ -260,5 +260,5 @@ int32_t VxEnumResourceLanguages(HVXLANG handle, uint16_t resourceId, char16_t* d
     if (handle->hInstLang && handle->useLangInst)
         EnumResourceLanguagesW(handle->hInstLang, RT_VERSION, MAKEINTRESOURCEW(resourceId), AppendLanguage,
                                reinterpret_cast<LONG_PTR>(&list));
-    return CopyText(list.text, dst, dstChars);
+    return CopyCut(list.text, dst, dstChars);
 }

@@ -1,6 +1,7 @@
 // The language handle's record.
 #pragma once
 
+#include "kernel/text.h"
 #include "vx/lang.h"
 #include "vx/list.h"
 
@@ -57,21 +58,6 @@ void ForgetStrings(HVXLANG handle);
 
 // What a text that is missing is.
 inline constexpr char16_t kEmptyText[] = u"";
-
-inline std::u16string_view ViewOf(const char16_t* text)
-{
-    return text ? std::u16string_view(text) : std::u16string_view();
-}
-
-// Copies a text as far as there is room, and terminates it. Returns the length copied; room below 1: nothing.
-inline int32_t CopyText(std::u16string_view text, char16_t* dst, int32_t dstChars)
-{
-    if (dstChars < 1)
-        return 0;
-    const size_t length = text.copy(dst, size_t(dstChars) - 1);
-    dst[length] = u'\0';
-    return int32_t(length);
-}
 
 // Takes "^*" from the start of a text that was read for a person. Returns the length that is left.
 int32_t StripMark(char16_t* text, int32_t length);

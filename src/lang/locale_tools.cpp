@@ -67,8 +67,8 @@ int32_t VxLang_GetInternationals(VxInternationals* record, uint32_t size)
 void VxSetLangID(const char16_t* abbreviation)
 {
     const std::u16string_view given = ViewOf(abbreviation);
-    g_internationals.langIdLength = uint32_t(CopyText(given.empty() ? u"ENU" : given, g_internationals.langId,
-                                                      int32_t(std::size(g_internationals.langId))));
+    g_internationals.langIdLength = uint32_t(CopyCut(given.empty() ? u"ENU" : given, g_internationals.langId,
+                                                     int32_t(std::size(g_internationals.langId))));
 }
 
 int32_t VxLang_IsNameOrderReversed(HVXLANG handle)
@@ -83,7 +83,7 @@ int32_t VxLang_LocalizeUserName(HVXLANG handle, const char16_t* first, const cha
         std::swap(first, last);
     int32_t length = 0;
     for (const std::u16string_view part : {ViewOf(first), std::u16string_view(u" "), ViewOf(last)})
-        length += CopyText(part, dst + length, dstChars - length);
+        length += CopyCut(part, dst + length, dstChars - length);
     return length;
 }
 

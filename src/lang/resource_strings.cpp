@@ -23,12 +23,12 @@ int32_t LoadResourceString(HVXLANG handle, uint32_t id, char16_t* dst, int32_t d
     if (handle->hInstLang && handle->useLangInst) {
         const ResourceString found = FindString(handle->hInstLang, id, handle->lcid);
         if (found.length > 0)
-            return CopyText({found.text, found.length}, dst, dstChars);
+            return CopyCut({found.text, found.length}, dst, dstChars);
     }
     if (handle->hInstDefault != handle->hInstLang)
         return LoadStringW(handle->hInstDefault, id, dst, dstChars);
     const ResourceString found = FindString(handle->hInstDefault, id, kUsEnglish);
-    return found.length > 0 ? CopyText({found.text, found.length}, dst, dstChars) : 0;
+    return found.length > 0 ? CopyCut({found.text, found.length}, dst, dstChars) : 0;
 }
 
 std::span<CachedString*> CachedStrings(const tVXLIST& cache)

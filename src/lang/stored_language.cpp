@@ -1,38 +1,25 @@
 // What is kept in the registry: the language that a user chose for an application, and the machine's locale.
+#include "kernel/application_key.h"
 #include "vx/lang.h"
 #include "vx/platform/registry.h"
-#include "vx/print.h"
 
 namespace vx {
 namespace {
 
-constexpr const char16_t* kVendor = u"Vexmere Studio Works";
 constexpr const char16_t* kLanguageValue = u"ULangID";
-constexpr uint32_t kKeyChars = 260;
 
-// The key of an application's language; it is one for all versions where the major number is 0.
-struct LanguageKey
+PathText LanguageKey(const char16_t* vendor, const char16_t* app, uint32_t version)
 {
-    LanguageKey(const char16_t* vendor, const char16_t* app, uint32_t version)
-    {
-        const uint32_t major = version >> 24, minor = version >> 16 & 0xFF;
-        if (major)
-            VxCchPrintF(text, kKeyChars, nullptr, u"Software\\%s\\%s\\%d.%d\\Lang", vendor, app, major,
-                        minor);
-        else
-            VxCchPrintF(text, kKeyChars, nullptr, u"Software\\%s\\%s\\Lang", vendor, app);
-    }
-
-    char16_t text[kKeyChars];
-};
-
-bool OpenToRead(const LanguageKey& key, HKEY& opened)
-{
-    return RegOpenKeyExW(HKEY_CURRENT_USER, key.text, 0, KEY_READ, &opened) == ERROR_SUCCESS ||
-           RegOpenKeyExW(HKEY_LOCAL_MACHINE, key.text, 0, KEY_READ, &opened) == ERROR_SUCCESS;
+    return ApplicationKey(vendor, app, version).Add(u"\\Lang");
 }
 
-int32_t Load(const LanguageKey& key, uint32_t* lcid)
+bool OpenToRead(const PathText& key, HKEY& opened)
+{
+    return RegOpenKeyExW(HKEY_CURRENT_USER, key.Text(), 0, KEY_READ, &opened) == ERROR_SUCCESS ||
+           RegOpenKeyExW(HKEY_LOCAL_MACHINE, key.Text(), 0, KEY_READ, &opened) == ERROR_SUCCESS;
+}
+
+int32_t Load(const PathText& key, uint32_t* lcid)
 {
     HKEY opened;
     if (!OpenToRead(key, opened))
@@ -83,14 +70,12 @@ int32_t VxLang_SaveUserLCIDMetric(const char16_t* app, uint32_t version, uint16_
 int32_t VxLang_SaveUserLCIDMetricAppReg(const char16_t* app, uint32_t version, uint16_t lcid,
                                         const char16_t* vendor)
 {
-    return SaveNumber(HKEY_CURRENT_USER, LanguageKey(vendor, app, version).text, kLanguageValue, lcid);
+    return SaveNumber(HKEY_CURRENT_USER, LanguageKey(vendor, app, version).Text(), kLanguageValue, lcid);
 }
 
 HRESULT VxSetLocale(uint32_t lcid)
 {
-    const bool saved = SaveNumber(HKEY_LOCAL_MACHINE, u"Software\\Vexmere Studio Works\\Shared Information",
-                                  u"Locale", lcid);
-    return saved ? S_OK : E_FAIL;
+    return SaveNumber(HKEY_LOCAL_MACHINE, kSharedInformationKey, u"Locale", lcid) ? S_OK : E_FAIL;
 }
 
 uint32_t VxGetLocale()

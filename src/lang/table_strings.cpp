@@ -58,7 +58,7 @@ const char16_t* VxGetString(HVXLANG handle, vxlang_t* table)
 
 int32_t VxLoadString(HVXLANG handle, vxlang_t* table, char16_t* dst, int32_t dstChars)
 {
-    return StripMark(dst, CopyText(VxGetString(handle, table), dst, dstChars));
+    return StripMark(dst, CopyCut(VxGetString(handle, table), dst, dstChars));
 }
 
 int32_t IsVXLANGSTRINGID(HVXLANG, const char16_t* text)

@@ -1,16 +1,15 @@
 // What metric handles are, and how the values of one are read and written.
 #pragma once
 
+#include "kernel/text.h"
 #include "vx/metrics.h"
 
 #include <string_view>
 
-constexpr size_t kMostPath = 260; // characters, the terminator included
-
 struct tVXMETRIC
 {
-    char16_t keyPath[kMostPath]; // below HKEY_CURRENT_USER
-    HKEY key;                    // null where opening failed
+    char16_t keyPath[vx::kMaxPath]; // below HKEY_CURRENT_USER
+    HKEY key;                       // null where opening failed
 };
 
 namespace vx {

@@ -49,16 +49,6 @@ struct TextBuffer
         : text(dst), characters(dst && dstChars > 0 ? size_t(dstChars) : 0)
     {}
     uint32_t Bytes() const { return uint32_t(std::min<size_t>(characters * sizeof(char16_t), UINT32_MAX)); }
-
-    int32_t CopyCut(const char16_t* from) const
-    {
-        if (!from || characters == 0)
-            return 0;
-        const size_t length = std::min(std::u16string_view(from).size(), characters - 1);
-        std::copy_n(from, length, text);
-        text[length] = u'\0';
-        return int32_t(length);
-    }
 };
 
 int32_t ReadText(HVXMETRIC metric, int32_t id, DWORD type, TextBuffer dst, const char16_t* deflt,
@@ -76,7 +66,7 @@ int32_t ReadText(HVXMETRIC metric, int32_t id, DWORD type, TextBuffer dst, const
         return int32_t(size / sizeof(char16_t)) - 1;
     if (size != 0 && keepEmpty)
         return 0;
-    return dst.CopyCut(deflt);
+    return deflt ? CopyCut(deflt, dst.text, int32_t(dst.characters)) : 0;
 }
 
 } // namespace

@@ -1,6 +1,6 @@
 // Opening, closing and deleting whole keys.
+#include "kernel/application_key.h"
 #include "persist/metric.h"
-#include "vx/numbers.h"
 #include "vx/platform/heap.h"
 
 #include <algorithm>
@@ -9,62 +9,28 @@ namespace {
 
 using namespace vx;
 
-constexpr char16_t kVendor[] = u"Vexmere Studio Works";
 constexpr std::u16string_view kMetrics = u"\\Metrics";
 
-// A path that is cut at its most characters.
-class Path
+PathText& AddSubKey(PathText& path, const char16_t* subKey)
 {
-public:
-    Path& Add(std::u16string_view text)
-    {
-        const size_t count = std::min(text.size(), kMostPath - 1 - length_);
-        std::copy_n(text.data(), count, text_ + length_);
-        length_ += count;
-        text_[length_] = u'\0';
-        return *this;
-    }
-    Path& Add(const char16_t* text) { return Add(std::u16string_view(text ? text : u"")); }
-    Path& Add(uint32_t number)
-    {
-        char16_t digits[16];
-        VxDWordToText(number, digits, 0);
-        return Add(digits);
-    }
-    Path& AddSubKey(const char16_t* subKey) { return subKey && *subKey ? Add(u"\\").Add(subKey) : *this; }
-
-    const char16_t* Text() const { return text_; }
-
-private:
-    char16_t text_[kMostPath] = {};
-    size_t length_ = 0;
-};
-
-Path ApplicationPath(const char16_t* vendor, const char16_t* app, uint32_t version)
-{
-    Path path;
-    path.Add(u"Software\\").Add(vendor).Add(u"\\").Add(app);
-    const uint32_t major = version >> 24, minor = version >> 16 & 0xFF;
-    if (major != 0)
-        path.Add(u"\\").Add(major).Add(u".").Add(minor);
-    return path;
+    return subKey && *subKey ? path.Add(u"\\").Add(subKey) : path;
 }
 
-Path MetricsPath(const char16_t* vendor, const char16_t* app, uint32_t version)
+PathText MetricsPath(const char16_t* vendor, const char16_t* app, uint32_t version)
 {
-    return ApplicationPath(vendor, app, version).Add(kMetrics);
+    return ApplicationKey(vendor, app, version).Add(kMetrics);
 }
 
-void DeleteInBothHives(const Path& path)
+void DeleteInBothHives(const PathText& path)
 {
     VxRegDeleteKey(HKEY_LOCAL_MACHINE, path.Text());
     VxRegDeleteKey(HKEY_CURRENT_USER, path.Text());
 }
 
 // The first sub-key's name; null behind the last.
-const char16_t* FirstSubKey(HKEY key, char16_t (&name)[kMostPath])
+const char16_t* FirstSubKey(HKEY key, char16_t (&name)[kMaxPath])
 {
-    DWORD room = kMostPath;
+    DWORD room = kMaxPath;
     const LSTATUS error = RegEnumKeyExW(key, 0, name, &room, nullptr, nullptr, nullptr, nullptr);
     return error == ERROR_SUCCESS ? name : nullptr;
 }
@@ -97,8 +63,9 @@ HRESULT VxMetric_OpenAppVersion(HVXMETRIC* outMetric, const char16_t* path, cons
         static_cast<tVXMETRIC*>(HeapAlloc(GetProcessHeap(), HEAP_ZERO_MEMORY, sizeof(tVXMETRIC)));
     if (!metric)
         return E_OUTOFMEMORY;
-    const Path whole = Path().Add(path).AddSubKey(subKey);
-    std::copy_n(whole.Text(), kMostPath, metric->keyPath);
+    PathText whole(ViewOf(path));
+    AddSubKey(whole, subKey);
+    CopyCut(whole.View(), metric->keyPath, kMaxPath);
     *outMetric = metric;
     return StatusOfRegistry(RegCreateKeyW(HKEY_CURRENT_USER, metric->keyPath, &metric->key));
 }
@@ -115,7 +82,7 @@ HRESULT VxMetric_OpenSubKey(HVXMETRIC* outMetric, HVXMETRIC parent, const char16
     const size_t place = path.find(kMetrics);
     if (place == path.npos)
         return E_INVALIDARG;
-    const Path metrics = Path().Add(path.substr(0, place)).Add(kMetrics);
+    const PathText metrics = PathText(path.substr(0, place)).Add(kMetrics);
     return VxMetric_OpenAppVersion(outMetric, metrics.Text(), subKey);
 }
 
@@ -135,7 +102,7 @@ HRESULT VxMetric_CloseAndDeleteKey(HVXMETRIC metric)
     const tVXMETRIC* const record = MetricOrNull(metric);
     if (!record)
         return E_FAIL;
-    const Path path = Path().Add(record->keyPath);
+    const PathText path(record->keyPath);
     VxMetric_Close(metric);
     VxRegDeleteKey(HKEY_CURRENT_USER, path.Text());
     return S_OK;
@@ -148,13 +115,13 @@ HRESULT VxMetric_DeleteAll(const char16_t* app, uint32_t version)
 
 HRESULT VxMetric_DeleteAllHiveAndVersion(const char16_t* app, uint32_t version, const char16_t* vendor)
 {
-    DeleteInBothHives(ApplicationPath(vendor, app, version));
+    DeleteInBothHives(ApplicationKey(vendor, app, version));
     return S_OK;
 }
 
 HRESULT VxMetric_DeleteUserMetrics(const char16_t* app, uint32_t version)
 {
-    VxRegDeleteKey(HKEY_CURRENT_USER, ApplicationPath(kVendor, app, version).Text());
+    VxRegDeleteKey(HKEY_CURRENT_USER, ApplicationKey(kVendor, app, version).Text());
     return S_OK;
 }
 
@@ -166,7 +133,8 @@ HRESULT VxMetric_DeleteKey(const char16_t* app, uint32_t version, const char16_t
 HRESULT VxMetric_DeleteKeyHiveAndVersion(const char16_t* app, uint32_t version, const char16_t* vendor,
                                          const char16_t* subKey)
 {
-    DeleteInBothHives(MetricsPath(vendor, app, version).AddSubKey(subKey));
+    PathText path = MetricsPath(vendor, app, version);
+    DeleteInBothHives(AddSubKey(path, subKey));
     return S_OK;
 }
 
@@ -196,7 +164,7 @@ int32_t VxRegDeleteKey(HKEY key, const char16_t* subKey)
     const LSTATUS error = RegOpenKeyExW(key, subKey, 0, KEY_READ, &opened);
     if (error != ERROR_SUCCESS)
         return error == ERROR_FILE_NOT_FOUND;
-    char16_t name[kMostPath];
+    char16_t name[kMaxPath];
     while (FirstSubKey(opened, name) && VxRegDeleteKey(opened, name))
         continue;
     RegCloseKey(opened);

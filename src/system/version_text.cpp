@@ -1,3 +1,4 @@
+#include "kernel/text.h"
 #include "vx/osversion.h"
 #include "vx/platform/version.h"
 #include "vx/print.h"
@@ -57,7 +58,6 @@ HRESULT VxVersion_GetString(const char16_t* path, const char16_t* key, char16_t*
     std::u16string_view found;
     if (!block || !GetFileVersionInfoW(path, 0, bytes, block.get()) || !vx::FindText(block.get(), key, found))
         return VX_E_VERSION_NOT_FOUND;
-    if (capacity > 0)
-        text[found.copy(text, size_t(capacity) - 1)] = u'\0';
+    vx::CopyCut(found, text, capacity);
     return S_OK;
 }

@@ -1,5 +1,7 @@
 #include "vx/numbers.h"
 
+#include "kernel/text.h"
+
 #include <algorithm>
 #include <array>
 #include <bit>
@@ -102,15 +104,6 @@ int32_t Put(Integer<T> value, char16_t* text)
     return length;
 }
 
-// Returns the length that was kept.
-int32_t CopyCut(const char16_t* from, int32_t length, char16_t* text, int32_t capacity)
-{
-    const int32_t kept = std::min(length, capacity - 1);
-    std::copy_n(from, kept, text);
-    text[kept] = u'\0';
-    return kept;
-}
-
 template <class T>
 int32_t ToText(Integer<T> value, char16_t* text, int32_t group)
 {
@@ -132,7 +125,7 @@ int32_t ToTextN(Integer<T> value, char16_t* text, int32_t capacity, int32_t grou
     const int32_t length = Put(value, scratch);
     if (group)
         return VxFormatNumber(scratch, text, capacity);
-    return CopyCut(scratch, length, text, capacity) == length ? length : 0;
+    return CopyCut({scratch, size_t(length)}, text, capacity) == length ? length : 0;
 }
 
 int32_t LengthOf(const char16_t* text)
@@ -244,7 +237,7 @@ int32_t VxDoubleToTextN(char16_t* text, int32_t capacity, double value, uint32_t
         return 0;
     char16_t scratch[vx::kScratchRoom];
     const int32_t length = VxDoubleToText(scratch, value, decimals, group);
-    return vx::CopyCut(scratch, length, text, capacity);
+    return vx::CopyCut({scratch, size_t(length)}, text, capacity);
 }
 
 void VxFourCCToString(uint32_t fourCC, char16_t* text)
