@@ -14,5 +14,6 @@ void AddListWorks(Suite& suite);
 void AddTextWorks(Suite& suite);
 void AddTimeWorks(Suite& suite);
 void AddSettingsWorks(Suite& suite);
+void AddKernelWorks(Suite& suite);
 
 } // namespace vxbench

@@ -103,6 +103,7 @@ int Run(const Options& options)
     AddTextWorks(suite);
     AddTimeWorks(suite);
     AddSettingsWorks(suite);
+    AddKernelWorks(suite);
     const auto outcomes = suite.Run(options.filter, options.quick ? kQuick : kThorough, ShowProgress);
 
     PrintTable(outcomes);
