@@ -17,6 +17,7 @@
 #include "vx/lang.h"
 #include "vx/list.h"
 #include "vx/metrics.h"
+#include "vx/msgbox.h"
 #include "vx/numbers.h"
 #include "vx/osversion.h"
 #include "vx/path.h"

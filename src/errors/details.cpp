@@ -6,7 +6,6 @@
 #include "vx/print.h"
 
 #include <algorithm>
-#include <iterator>
 #include <mutex>
 #include <stdarg.h>
 #include <string_view>
@@ -17,7 +16,7 @@ ErrorDetails g_errorDetails;
 
 } // namespace vx
 
-using vx::CopyCut, vx::g_errorDetails;
+using namespace vx;
 
 namespace {
 
@@ -33,9 +32,8 @@ char16_t g_scratch[kScratchChars];
 
 std::u16string_view Formatted(const char16_t* format, va_list arguments)
 {
-    const std::u16string_view plain(format);
-    if (plain.find_first_of(u"$%") == plain.npos)
-        return plain;
+    if (!IsFormat(format))
+        return format;
     uint32_t length = 0;
     VxNVPrintF(g_scratch, kScratchChars, &length, format, arguments);
     return {g_scratch, length};
@@ -68,7 +66,39 @@ HRESULT AddLine(HRESULT code, const char16_t* format, va_list arguments)
     return S_OK;
 }
 
+template <size_t room>
+int32_t CopyText(std::u16string_view text, char16_t (&dst)[room])
+{
+    return CopyCut(text, dst, int32_t(room));
+}
+
 } // namespace
+
+void vx::TakeDetails(std::u16string_view prefix, const char16_t* text, ShownDetails& shown)
+{
+    const std::scoped_lock lock(g_detailsLock);
+    const int32_t length = CopyText(prefix, shown.text);
+    CopyCut(ViewOf(text), shown.text + length, VXERROR_MESSAGE_CHARS - length);
+    CopyText(g_errorDetails.detailsCount > 0 ? g_errorDetails.detailsText : u"", shown.details);
+    CopyText(g_errorDetails.linkUrl, shown.linkUrl);
+    CopyText(g_errorDetails.linkText, shown.linkText);
+    g_errorDetails = {};
+}
+
+BSTR vx::JoinDetails(std::u16string_view message, std::u16string_view details)
+{
+    const std::u16string_view parts[] = {message, u"\r\n<Details>\r\n", details, u"\r\n</Details>"};
+    size_t length = 0;
+    for (const std::u16string_view part : parts)
+        length += part.size();
+    const BSTR text = SysAllocStringLen(nullptr, uint32_t(length));
+    if (!text)
+        return nullptr;
+    char16_t* end = text;
+    for (const std::u16string_view part : parts)
+        end = std::ranges::copy(part, end).out;
+    return text;
+}
 
 HRESULT VxErrorHandler_DetailsInit()
 {
@@ -103,8 +133,8 @@ HRESULT VxErrorHandler_DetailsSetHyperlink(const char16_t* url, const char16_t* 
     if (!url || !caption)
         return E_POINTER;
     const std::scoped_lock lock(g_detailsLock);
-    CopyCut(url, g_errorDetails.linkUrl, int32_t(std::size(g_errorDetails.linkUrl)));
-    CopyCut(caption, g_errorDetails.linkText, int32_t(std::size(g_errorDetails.linkText)));
+    CopyText(url, g_errorDetails.linkUrl);
+    CopyText(caption, g_errorDetails.linkText);
     return S_OK;
 }
 

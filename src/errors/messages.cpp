@@ -114,16 +114,5 @@ BSTR VxErrorHandler_ComposeErrorText(uintptr_t context, HRESULT code, const char
     const std::u16string_view message = VxErrorHandler_GetErrorMessage(context, code, insert);
     if (g_errorDetails.detailsCount < 1)
         return SysAllocStringLen(message.data(), uint32_t(message.size()));
-    const std::u16string_view parts[] = {message, u"\r\n<Details>\r\n", g_errorDetails.detailsText,
-                                         u"\r\n</Details>"};
-    size_t length = 0;
-    for (const std::u16string_view part : parts)
-        length += part.size();
-    const BSTR text = SysAllocStringLen(nullptr, uint32_t(length));
-    if (!text)
-        return nullptr;
-    char16_t* end = text;
-    for (const std::u16string_view part : parts)
-        end = std::ranges::copy(part, end).out;
-    return text;
+    return JoinDetails(message, g_errorDetails.detailsText);
 }
