@@ -96,11 +96,33 @@ TEST_F(TextCommand, TimecodesConvertAndCount)
         {"timecode 00:01:00:00 --from 29.97drop --to 29.97drop --only frames", "1800\n"},
         {"timecode 600600000 --nanos --from 29.97drop --to 30 --only label", "00:01:00:01\n"},
         {"timecode 0:10:0 --add 5 --subtract 1:0 --step -1 --from 25 --to 25 --only label", "00:00:09:04\n"},
-        {"lang Retry --language de --language ja", "Retry\n  de     &Wiederholen\n  ja     再試行(&R)\n"},
-        {"lang Retry --language nb --missing", "nb: 1 of 1 texts are translated\n"},
         {"timecode --table 00:00:59:28..00:01:00:03 --from 29.97drop --only label",
          "00:00:59;28\n00:00:59;29\n00:01:00;02\n00:01:00;03\n"},
         {"timecode --table 23:59:59:26..1 --step 5 --only frames", "2591996\n1\n"},
+    };
+    Expect(0, kCases);
+}
+
+TEST_F(TextCommand, MessagesAndTheirTexts)
+{
+    constexpr Case kCases[] = {
+        {"lang Retry --lang de --lang ja", "Retry\n  de     &Wiederholen\n  ja     再試行(&R)\n"},
+        {"lang Retry --lang nb --missing", "nb: 1 of 1 texts are translated\n"},
+        {"error 5 0x8004E00A --insert a.prj",
+         "An error occurred while loading the project file a.prj.\n\nThe item was not found.\n"},
+        {"error 'No %s' 2 --insert disk --system --warning --details '100% $'",
+         "Warning: No disk\n\nThe item was not found.\n<Details>\n100% $\n\n</Details>\n"},
+        {"error 7 -2147163804 --app Demo",
+         "An error occurred while creating the media file .\n\n file type is "
+         "unsupported in this version of Demo.\n"},
+        {"error 3 0x8004E00C", "(nothing is shown: the user cancelled)\n"},
+        {"prompt yes-no-delete 'Now?' --default 1 --icon question --check",
+         "text       Now?\nicon       question\nbuttons      6  &Yes\n             7  &No  (default)\n"
+         "           101  D&elete\nclosing    not possible\ncheck box  Do no&t show this message again.\n"
+         "no screen  7\n"},
+        {"prompt 0xF05 --lang de", "text       \nicon       none\nbuttons      4  &Wiederholen\n"
+                                   "             2  Cancel  (default)\nclosing    2\n"
+                                   "no screen  no answer: there are fewer buttons\n"},
     };
     Expect(0, kCases);
 }
@@ -182,6 +204,11 @@ TEST_F(TextCommand, RequestsThatContradictAreRefused)
         {"print \"$(printf '\\355\\240\\200')\"", "is not UTF-8"}, // half a pair of surrogates
         {"print \"$(printf '\\300\\257')\"", "is not UTF-8"},      // a slash in two bytes
         {"print \"$(printf 'a\\303')\"", "is not UTF-8"},
+        {"error 1 many", "CODE is a status as 0x8004E00A, or a decimal number, not 'many'"},
+        {"error 1 0x123456789", "CODE is a status"},
+        {"error 1 2 --lang tlh", "--lang takes one of en, ja, de,"},
+        {"prompt 0x4001 x", "flags with bits of 0xC000 need --details"},
+        {"prompt maybe", "BUTTONS takes ok, ok-cancel,"},
         {"path x --from y", "--from and --to go together"},
         {"path x --from y --to z", "'x' does not begin with 'y'"},
         {"path x --only name --against y", "exclude each other"},

@@ -12,7 +12,7 @@ constexpr const Command* kCommands[] = {
     &kInfo,      &kConvert,  &kPalette, &kPixel, &kFlip,    &kSwap,      &kChannel, &kScale,
     &kFields,    &kBars,     &kRamp,    &kZone,  &kChecker, &kFill,      &kLut,     &kMap,
     &kThreshold, &kMultiply, &kMask,    &kBlend, &kFade,    &kComposite, &kSheet,   &kPrint,
-    &kNumber,    &kTimecode, &kRuler,   &kPath,  &kLang,    &kSettings,
+    &kNumber,    &kTimecode, &kRuler,   &kPath,  &kLang,    &kError,     &kPrompt,  &kSettings,
 };
 
 std::string Overview()

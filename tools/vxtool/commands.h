@@ -17,6 +17,7 @@ extern const Command kScale, kFields;
 extern const Command kLut, kMap, kThreshold;
 extern const Command kSheet;
 extern const Command kPrint, kNumber, kTimecode, kRuler, kPath, kLang;
+extern const Command kError, kPrompt;
 extern const Command kSettings;
 
 // In the order of the help.

@@ -2,6 +2,7 @@
 #include "lang/strings.h"
 #include "vxtool/commands.h"
 #include "vxtool/failure.h"
+#include "vxtool/languages.h"
 #include "vxtool/unicode.h"
 
 #include <algorithm>
@@ -53,23 +54,12 @@ std::string Shown(std::u16string_view text)
     return shown;
 }
 
-int32_t SlotNamed(const std::string& name)
-{
-    const auto* found = std::ranges::find(strings::kSlotLanguages, name);
-    if (found != std::end(strings::kSlotLanguages))
-        return int32_t(found - strings::kSlotLanguages);
-    std::string all;
-    for (const char* language : strings::kSlotLanguages)
-        all += Join(all.empty() ? "" : ", ", language);
-    FailArgument("--language takes one of ", all, ", not '", name, "'");
-}
-
 std::vector<int32_t> AskedSlots(const Arguments& arguments)
 {
     std::vector<int32_t> slots;
-    for (const std::string& name : arguments.All("--language"))
+    for (const std::string& name : arguments.All("--lang"))
         slots.push_back(SlotNamed(name));
-    for (int32_t slot = 0; slot < VXLANG_SLOTS && !arguments.Has("--language"); ++slot)
+    for (int32_t slot = 0; slot < VXLANG_SLOTS && !arguments.Has("--lang"); ++slot)
         slots.push_back(slot);
     return slots;
 }
@@ -125,15 +115,15 @@ void RunLang(const Arguments& arguments)
 }
 
 constexpr Option kLangOptions[] = {
-    {"--language", "NAME", "only this language, as de or pt_BR; may be given several times"},
+    {"--lang", "NAME", "only this language, as de or pt_BR; may be given several times"},
     {"--missing", nullptr, "what each language has not translated, and so reads in English"},
 };
 
 } // namespace
 
 const Command kLang = {
-    "lang",       "show the library's texts in its 18 languages",  "[PART]", 0, 1,
-    kLangOptions, "vxtool lang Retry --language de --language ja", RunLang,
+    "lang",       "show the library's texts in its 18 languages", "[PART]", 0, 1,
+    kLangOptions, "vxtool lang Retry --lang de --lang ja",        RunLang,
 };
 
 } // namespace vxtool
