@@ -2,20 +2,15 @@
 // of resources. All that is found lies within the file and is found again by its own keys.
 #include "platform/elf_section.h"
 #include "platform/resource_image.h"
+#include "require.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <vector>
 
 using namespace vxplatform;
+using vxfuzz::Require;
 
 namespace {
-
-void Require(bool condition)
-{
-    if (!condition)
-        std::abort();
-}
 
 void ReadAll(std::span<const std::byte> bytes)
 {

@@ -87,7 +87,8 @@ VX_EXPORT int32_t VxLang_ChangeLangInst(HVXLANG handle, HMODULE module);
 VX_EXPORT uint32_t VxLang_GetLCID(HVXLANG handle);
 
 /* Sets the language of this handle and the kernel's, and the process's reading direction for windows. Texts
- * of string resources that either of them returned are gone.
+ * of string resources that either of them returned are gone; one that was opened with this language, or has it
+ * already, keeps them.
  *   lcid  0: US English
  * Returns 1, or 0 where handle is null or the kernel's is not open. */
 VX_EXPORT int32_t VxLang_UpdateKernelLCID(HVXLANG handle, uint32_t lcid);

@@ -7,7 +7,7 @@
 
 namespace vx {
 
-constinit MessageApplication g_messageApplication;
+constinit MessageApplication g_messageApplication{};
 
 namespace {
 
