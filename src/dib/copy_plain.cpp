@@ -4,10 +4,10 @@
 namespace vx {
 namespace {
 
-bool HasPlanes(const CopyJob& job, const RunKernels& runs)
+// Unscaled, from bytes to bytes.
+bool IsByBlocks(const CopyJob& job)
 {
-    return !job.IsScaled() && runs.readPlanes && runs.writePlanes && job.dest.left % 8 == 0 &&
-           job.source.left % 8 == 0;
+    return !job.IsScaled() && job.dest.left % 8 == 0 && job.source.left % 8 == 0;
 }
 
 // Calls run(x, count) for each run of a row.
@@ -18,14 +18,49 @@ void ForRuns(const CopyJob& job, const Run& run)
         run(x, std::min(kRunPixels, job.dest.width - x));
 }
 
-void CopyRowByPlanes(const CopyJob& job, const Exchange& exchange, int32_t y)
+// By what stands between reading and writing: a whole run of it.
+template <class Between, class Read, class Write>
+void CopyRowBetween(const CopyJob& job, const tVXXCHG& record, int32_t y, Read read, Write write)
+{
+    Between between;
+    ForRuns(job, [&](int32_t x, int32_t count) {
+        read(between, job.source.Row(y) + job.source.Bit(x) / 8, count, record);
+        write(job.dest.Row(y) + job.dest.Bit(x) / 8, between, count, record);
+    });
+}
+
+void CopyRowByGray(const CopyJob& job, const Exchange& exchange, int32_t y)
+{
+    using Words = uint16_t[kRunPixels];
+    CopyRowBetween<Words>(job, exchange.record, y, exchange.runs.readGray, exchange.runs.writeGray);
+}
+
+// Bytes in memory are taken and made where they stand, if they are aligned.
+void CopyRowByBytes(const CopyJob& job, const Exchange& exchange, int32_t y)
 {
     const RunKernels& runs = exchange.runs;
-    RunPlanes planes;
+    alignas(64) uint32_t words[kRunPixels];
+    const auto stands = [](bool isBytes, const uint8_t* row) {
+        return isBytes && reinterpret_cast<uintptr_t>(row) % alignof(uint32_t) == 0;
+    };
+    const bool fromThere = stands(runs.sourceIsBytes, job.source.Bytes(y));
+    const bool toThere = stands(runs.destIsBytes, job.dest.Bytes(y));
     ForRuns(job, [&](int32_t x, int32_t count) {
-        runs.readPlanes(planes, job.source.Row(y) + job.source.Bit(x) / 8, count, exchange.record);
-        runs.writePlanes(job.dest.Row(y) + job.dest.Bit(x) / 8, planes, count, exchange.record);
+        const uint8_t* const from = job.source.Row(y) + job.source.Bit(x) / 8;
+        uint8_t* const to = job.dest.Row(y) + job.dest.Bit(x) / 8;
+        const uint32_t* between = toThere ? reinterpret_cast<uint32_t*>(to) : words;
+        if (fromThere)
+            between = reinterpret_cast<const uint32_t*>(from);
+        else
+            runs.readBytes(const_cast<uint32_t*>(between), from, count, exchange.record);
+        if (fromThere || !toThere)
+            runs.writeBytes(to, between, count, exchange.record);
     });
+}
+
+void CopyRowByPlanes(const CopyJob& job, const Exchange& exchange, int32_t y)
+{
+    CopyRowBetween<RunPlanes>(job, exchange.record, y, exchange.runs.readPlanes, exchange.runs.writePlanes);
 }
 
 void CopyRowByPixels(const CopyJob& job, const Exchange& exchange, int32_t y)
@@ -53,13 +88,29 @@ void CopyRowByPixels(const CopyJob& job, const Exchange& exchange, int32_t y)
     });
 }
 
+using CopyRowFn = void (*)(const CopyJob& job, const Exchange& exchange, int32_t y);
+
+// The way with the least between source and destination.
+CopyRowFn ChooseWay(const CopyJob& job, const RunKernels& runs)
+{
+    if (IsByBlocks(job)) {
+        if (runs.readGray && runs.writeGray)
+            return CopyRowByGray;
+        if (runs.readBytes && runs.writeBytes && !(runs.sourceIsWorking && runs.destIsWorking))
+            return CopyRowByBytes;
+        if (runs.readPlanes && runs.writePlanes)
+            return CopyRowByPlanes;
+    }
+    return CopyRowByPixels;
+}
+
 } // namespace
 
 void CopyPlain(const CopyJob& job, Exchange& exchange)
 {
     if (!job.IsScaled() && CopyDirect(job, exchange))
         return;
-    const auto copyRow = HasPlanes(job, exchange.runs) ? CopyRowByPlanes : CopyRowByPixels;
+    const CopyRowFn copyRow = ChooseWay(job, exchange.runs);
     for (int32_t y = 0; y < job.dest.height; ++y)
         copyRow(job, exchange, y);
 }

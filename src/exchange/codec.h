@@ -185,13 +185,22 @@ struct GrayCodec
             return GrayPixel(WidenByte<kExact>(word));
         return GrayPixel(word * (65535u / ((1u << kBits) - 1)));
     }
-    HWY_INLINE static uint32_t Encode(const Pixel16& p, const WriteContext&)
+    HWY_INLINE static uint32_t Encode(const Pixel16& p, const WriteContext& context)
     {
-        // Three colours of one half sum to 98,303.5.
         if constexpr (kBits == 1)
-            return ColourSum(p) >= 0x17FFF;
-        return ColourMean(p) >> (16 - kBits);
+            return ColourSum(p) >= kHalfOfColours;
+        return EncodeGray(ColourMean(p), context);
     }
+    // The same of a pixel whose colours are alike.
+    HWY_INLINE static uint32_t EncodeGray(uint32_t value, const WriteContext&)
+    {
+        if constexpr (kBits == 1)
+            return 3 * value >= kHalfOfColours;
+        return value >> (16 - kBits);
+    }
+
+private:
+    static constexpr uint32_t kHalfOfColours = 0x17FFF; // three colours of one half sum to 98,303.5
 };
 
 struct GrayFloatCodec
@@ -207,7 +216,11 @@ struct GrayFloatCodec
     }
     HWY_INLINE static uint32_t Encode(const Pixel16& p, const WriteContext& context)
     {
-        const float x = FloatOfWord(ColourMean(p), context);
+        return EncodeGray(ColourMean(p), context);
+    }
+    HWY_INLINE static uint32_t EncodeGray(uint32_t value, const WriteContext& context)
+    {
+        const float x = FloatOfWord(value, context);
         uint32_t word;
         std::memcpy(&word, &x, sizeof(word));
         return word;

@@ -61,14 +61,26 @@ using WriteRunFn = void (*)(uint8_t* row, int64_t bit, const void* pixels, int32
 using ReadPlanesFn = void (*)(RunPlanes& planes, const uint8_t* at, int32_t count, const tVXXCHG& record);
 using WritePlanesFn = void (*)(uint8_t* at, const RunPlanes& planes, int32_t count, const tVXXCHG& record);
 
+// The same through less: the high bytes of the channels, blue in the low byte of a word; or the words of gray types.
+using ReadBytesFn = void (*)(uint32_t* words, const uint8_t* at, int32_t count, const tVXXCHG& record);
+using WriteBytesFn = void (*)(uint8_t* at, const uint32_t* words, int32_t count, const tVXXCHG& record);
+using ReadGrayFn = void (*)(uint16_t* words, const uint8_t* at, int32_t count, const tVXXCHG& record);
+using WriteGrayFn = void (*)(uint8_t* at, const uint16_t* words, int32_t count, const tVXXCHG& record);
+
 struct RunKernels
 {
-    ReadRunFn read;
-    SampleRunFn sample;
-    WriteRunFn write;
-    ReadPlanesFn readPlanes; // null where the depth or the type has no planes
-    WritePlanesFn writePlanes;
-    bool sourceIsWorking, destIsWorking; // memory holds working pixels: reading or writing is copying
+    ReadRunFn read = nullptr;
+    SampleRunFn sample = nullptr;
+    WriteRunFn write = nullptr;
+    ReadPlanesFn readPlanes = nullptr; // null where the depth or the type has no planes
+    WritePlanesFn writePlanes = nullptr;
+    ReadBytesFn readBytes = nullptr; // null where the pair would lose something
+    WriteBytesFn writeBytes = nullptr;
+    ReadGrayFn readGray = nullptr; // null but between gray types
+    WriteGrayFn writeGray = nullptr;
+    // Memory holds what readBytes gives, or working pixels: reading or writing is copying.
+    bool sourceIsBytes = false, destIsBytes = false;
+    bool sourceIsWorking = false, destIsWorking = false;
 };
 
 // The kernels that belong to a record which VxXCHGGetFunctionPointers has filled.

@@ -28,6 +28,25 @@ HWY_INLINE Pixel16 PixelAt(const RunPlanes& planes, int32_t i)
     return {planes.blue[i], planes.green[i], planes.red[i], planes.alpha[i]};
 }
 
+// How 16-bit channels come from bytes.
+enum class Widening : uint8_t
+{
+    None,   // they hold more than a byte
+    Shift,  // 256 c
+    Double, // 257 c
+};
+
+template <Widening kWidening>
+HWY_INLINE Pixel16 WidePixel(uint32_t bytes)
+{
+    return Bytes4Word::Decode<kWidening == Widening::Double>(bytes, {});
+}
+
+// ColourMean of widened bytes is this times their sum, without the low 16 bits. The factor is too large by less than a
+// unit, which of a sum of at most 765 makes less than a third of the unit above.
+template <Widening kWidening>
+constexpr uint32_t kThirdOfBytes = ((kWidening == Widening::Double ? 257u : 256u) * 65536 + 2) / 3;
+
 // The steps that no compiler makes good vectors of. They do the pixels from first to n, which is at
 // most kBlock, and touch no byte of others.
 struct PlainSteps
@@ -64,6 +83,27 @@ struct PlainSteps
             std::memcpy(&x, floats + 4 * i, sizeof(x));
             words[i] = WordOfFloat(x);
         }
+    }
+    template <class TheCodec>
+    static void BytesOfFields(uint32_t* out, const uint8_t* p, int32_t first, int32_t n)
+    {
+        for (int32_t i = first; i < n; ++i)
+            out[i] = Bytes4Word::Encode(
+                TheCodec::template Decode<false>(TheCodec::Place::Load(p + 2 * i, 0), {}), {});
+    }
+    template <class TheCodec, Widening kWidening>
+    static void FieldsOfBytes(uint8_t* p, const uint32_t* in, int32_t first, int32_t n)
+    {
+        using Word = typename TheCodec::Word;
+        for (int32_t i = first; i < n; ++i)
+            TheCodec::Place::Store(p + i * int32_t(sizeof(Word)), 0,
+                                   Word(TheCodec::Encode(WidePixel<kWidening>(in[i]), {})));
+    }
+    template <Widening kWidening>
+    static void MeansOfBytes(uint16_t* means, const uint32_t* in, int32_t first, int32_t n)
+    {
+        for (int32_t i = first; i < n; ++i)
+            means[i] = ColourMean(WidePixel<kWidening>(in[i]));
     }
 };
 

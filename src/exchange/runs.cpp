@@ -9,6 +9,7 @@
 
 #include "exchange/filter.h"
 #include "exchange/rows.h"
+#include "exchange/run_bytes.h"
 #include "exchange/run_steps.h"
 #include "kernel/vector_targets.h"
 
@@ -24,9 +25,14 @@ struct RunTable
     std::array<std::array<WriteRunFn, kTypes>, kKernelRows> write{};
     std::array<std::array<ReadPlanesFn, kTypes>, kKernelRows> readPlanes{};
     std::array<std::array<WritePlanesFn, kTypes>, kKernelRows> writePlanes{};
+    std::array<ReadBytesFn, kTypes> readBytes{};
+    std::array<std::array<WriteBytesFn, kTypes>, 2>
+        writeBytes{};                                         // of bytes that were widened by Shift, Double
+    std::array<std::array<ReadGrayFn, kTypes>, 2> readGray{}; // exact in the second row
+    std::array<WriteGrayFn, kTypes> writeGray{};
 };
 
-// Kernels has Read<codec, exact>, Write<codec> and the same for planes.
+// Kernels is PlainKernels, or what a vector target has in its place.
 template <class Kernels, int32_t kRow, int32_t kType>
 constexpr void EnterRuns(RunTable& table)
 {
@@ -41,17 +47,38 @@ constexpr void EnterRuns(RunTable& table)
     }
 }
 
-template <class Kernels, int32_t... kIndex>
-constexpr RunTable MakeRunTable(std::integer_sequence<int32_t, kIndex...>)
+template <class Kernels, int32_t kType>
+constexpr void EnterNarrowRuns(RunTable& table)
+{
+    using TheCodec = Codec<kType, uint16_t>;
+    constexpr size_t kPlace = size_t(kType - kFirstType);
+    if constexpr (kReadsBytes<TheCodec>)
+        table.readBytes[kPlace] = Kernels::template ToBytes<TheCodec>;
+    if constexpr (kWritesBytes<TheCodec>) {
+        table.writeBytes[0][kPlace] = Kernels::template FromBytes<TheCodec, Widening::Shift>;
+        table.writeBytes[1][kPlace] = Kernels::template FromBytes<TheCodec, Widening::Double>;
+    }
+    if constexpr (kHasGray<TheCodec>) {
+        table.readGray[0][kPlace] = Kernels::template ToGray<TheCodec, false>;
+        table.readGray[1][kPlace] = Kernels::template ToGray<TheCodec, true>;
+        table.writeGray[kPlace] = Kernels::template FromGray<TheCodec>;
+    }
+}
+
+template <class Kernels, int32_t... kIndex, int32_t... kPlace>
+constexpr RunTable MakeRunTable(std::integer_sequence<int32_t, kIndex...>,
+                                std::integer_sequence<int32_t, kPlace...>)
 {
     RunTable table;
     (EnterRuns<Kernels, kIndex / kTypes, kFirstType + kIndex % kTypes>(table), ...);
+    (EnterNarrowRuns<Kernels, kFirstType + kPlace>(table), ...);
     return table;
 }
 
 template <class Kernels>
 constexpr RunTable
-    kRunTable = MakeRunTable<Kernels>(std::make_integer_sequence<int32_t, kKernelRows * kTypes>());
+    kRunTable = MakeRunTable<Kernels>(std::make_integer_sequence<int32_t, kKernelRows * kTypes>(),
+                                      std::make_integer_sequence<int32_t, kTypes>());
 
 struct PlainKernels
 {
@@ -75,6 +102,26 @@ struct PlainKernels
     {
         WritePlanes<TheCodec, PlainSteps>(at, planes, count, x);
     }
+    template <class TheCodec>
+    static void ToBytes(uint32_t* words, const uint8_t* at, int32_t count, const tVXXCHG& x)
+    {
+        ReadBytes<TheCodec, PlainSteps>(words, at, count, x);
+    }
+    template <class TheCodec, Widening kWidening>
+    static void FromBytes(uint8_t* at, const uint32_t* words, int32_t count, const tVXXCHG& x)
+    {
+        WriteBytes<TheCodec, kWidening, PlainSteps>(at, words, count, x);
+    }
+    template <class TheCodec, bool kExact>
+    static void ToGray(uint16_t* words, const uint8_t* at, int32_t count, const tVXXCHG& x)
+    {
+        ReadGray<TheCodec, kExact, PlainSteps>(words, at, count, x);
+    }
+    template <class TheCodec>
+    static void FromGray(uint8_t* at, const uint16_t* words, int32_t count, const tVXXCHG& x)
+    {
+        WriteGray<TheCodec, PlainSteps>(at, words, count, x);
+    }
 };
 
 const RunTable* PlainRuns()
@@ -86,6 +133,8 @@ const RunTable* PlainRuns()
 } // namespace vx
 
 #endif // VX_RUNS_PLAIN
+
+#include "exchange/pixels24-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace vx {
@@ -139,34 +188,72 @@ struct VectorSteps
         }
         PlainSteps::Separate(planes, in, i, n);
     }
-    // Four pixels of 12 bytes by one shuffle of 16, of which the last 4 are the next pixels': the last
-    // pixels of a block go one by one.
     static void Load24(uint32_t* words, const uint8_t* p, int32_t, int32_t n)
     {
-        const hn::Full128<uint8_t> bytes;
-        alignas(16) static constexpr uint8_t kSpread[16] = {0, 1, 2, 0x80, 3, 4,  5,  0x80,
-                                                            6, 7, 8, 0x80, 9, 10, 11, 0x80};
-        const auto spread = hn::Load(bytes, kSpread);
         int32_t i = 0;
-        for (; i + 6 <= n; i += 4) {
-            const auto packed = hn::LoadU(bytes, p + 3 * i);
-            hn::StoreU(hn::TableLookupBytesOr0(packed, spread), bytes, reinterpret_cast<uint8_t*>(words + i));
-        }
+        for (; i + kReach24 <= n; i += kPixels24)
+            hn::StoreU(LoadPixels24(p + 3 * i), Lanes8(), reinterpret_cast<uint8_t*>(words + i));
         PlainSteps::Load24(words, p, i, n);
     }
-    // Each store leaves 4 bytes of zeros behind its pixels, which the next ones overwrite.
     static void Store24(uint8_t* p, const uint32_t* words, int32_t, int32_t n)
     {
-        const hn::Full128<uint8_t> bytes;
-        alignas(16) static constexpr uint8_t kClose[16] = {0,  1,  2,  4,  5,    6,    8,    9,
-                                                           10, 12, 13, 14, 0x80, 0x80, 0x80, 0x80};
-        const auto close = hn::Load(bytes, kClose);
         int32_t i = 0;
-        for (; i + 6 <= n; i += 4) {
-            const auto spread = hn::Load(bytes, reinterpret_cast<const uint8_t*>(words + i));
-            hn::StoreU(hn::TableLookupBytesOr0(spread, close), bytes, p + 3 * i);
-        }
+        for (; i + kReach24 <= n; i += kPixels24)
+            StorePixels24(hn::LoadU(Lanes8(), reinterpret_cast<const uint8_t*>(words + i)), p + 3 * i);
         PlainSteps::Store24(p, words, i, n);
+    }
+    // Fields of 16 bits, for n pixels from the start of a block: part(word) of each.
+    template <class TheCodec>
+    static void BytesOfFields(uint32_t* out, const uint8_t* p, int32_t, int32_t n)
+    {
+        const Lanes32 lanes;
+        const hn::Rebind<uint16_t, Lanes32> halves;
+        constexpr bool k565 = TheCodec::kType == VXPIXEL_RGB565;
+        const auto blue = hn::Set(lanes, 0xF8u), green = hn::Set(lanes, k565 ? 0xFC00u : 0xF800u),
+                   red = hn::Set(lanes, 0xF80000u), opaque = hn::Set(lanes, kOpaqueBytes);
+        int32_t i = 0;
+        for (; i + kLanes32 <= n; i += kLanes32) {
+            const auto word =
+                hn::PromoteTo(lanes, hn::LoadU(halves, reinterpret_cast<const uint16_t*>(p) + i));
+            const auto low = hn::Or(hn::And(hn::ShiftLeft<3>(word), blue),
+                                    hn::And(hn::ShiftLeft < k565 ? 5 : 6 > (word), green));
+            const auto high = hn::Or(hn::And(hn::ShiftLeft < k565 ? 8 : 9 > (word), red), opaque);
+            hn::StoreU(hn::Or(low, high), lanes, out + i);
+        }
+        PlainSteps::BytesOfFields<TheCodec>(out, p, i, n);
+    }
+    template <class TheCodec, Widening kWidening>
+    static void FieldsOfBytes(uint8_t* p, const uint32_t* in, int32_t, int32_t n)
+    {
+        const Lanes32 lanes;
+        int32_t i = 0;
+        for (; i + kLanes32 <= n; i += kLanes32) {
+            const auto word = hn::LoadU(lanes, in + i);
+            if constexpr (TheCodec::kType == VXPIXEL_RGB101010)
+                hn::StoreU(Tens<kWidening>(word), lanes, reinterpret_cast<uint32_t*>(p) + i);
+            else
+                hn::StoreU(hn::DemoteTo(hn::Rebind<uint16_t, Lanes32>(),
+                                        hn::BitCast(hn::RebindToSigned<Lanes32>(), Fields<TheCodec>(word))),
+                           hn::Rebind<uint16_t, Lanes32>(), reinterpret_cast<uint16_t*>(p) + i);
+        }
+        PlainSteps::FieldsOfBytes<TheCodec, kWidening>(p, in, i, n);
+    }
+    template <Widening kWidening>
+    static void MeansOfBytes(uint16_t* means, const uint32_t* in, int32_t, int32_t n)
+    {
+        const Lanes32 lanes;
+        const auto byte = hn::Set(lanes, 255u), thirds = hn::Set(lanes, kThirdOfBytes<kWidening>);
+        int32_t i = 0;
+        for (; i + kLanes32 <= n; i += kLanes32) {
+            const auto word = hn::LoadU(lanes, in + i);
+            const auto sum = hn::Add(hn::Add(hn::And(word, byte), hn::And(hn::ShiftRight<8>(word), byte)),
+                                     hn::And(hn::ShiftRight<16>(word), byte));
+            const auto mean = hn::ShiftRight<16>(hn::Mul(sum, thirds));
+            hn::StoreU(hn::DemoteTo(hn::Rebind<uint16_t, Lanes32>(),
+                                    hn::BitCast(hn::RebindToSigned<Lanes32>(), mean)),
+                       hn::Rebind<uint16_t, Lanes32>(), means + i);
+        }
+        PlainSteps::MeansOfBytes<kWidening>(means, in, i, n);
     }
     static void WordsOfFloats(uint16_t* words, const uint8_t* floats, int32_t, int32_t n)
     {
@@ -185,6 +272,40 @@ struct VectorSteps
             hn::StoreU(hn::DemoteTo(halves, word), halves, words + i);
         }
         PlainSteps::WordsOfFloats(words, floats, i, n);
+    }
+
+private:
+    using Lanes32 = hn::ScalableTag<uint32_t>;
+    using Vector32 = hn::Vec<Lanes32>;
+    static constexpr int32_t kLanes32 = int32_t(hn::MaxLanes(Lanes32()));
+
+    template <class TheCodec>
+    HWY_INLINE static Vector32 Fields(Vector32 word)
+    {
+        constexpr bool k565 = TheCodec::kType == VXPIXEL_RGB565;
+        const Lanes32 lanes;
+        const auto blue = hn::And(hn::ShiftRight<3>(word), hn::Set(lanes, 0x1Fu));
+        const auto green =
+            hn::And(hn::ShiftRight < k565 ? 5 : 6 > (word), hn::Set(lanes, k565 ? 0x7E0u : 0x3E0u));
+        const auto red =
+            hn::And(hn::ShiftRight < k565 ? 8 : 9 > (word), hn::Set(lanes, k565 ? 0xF800u : 0x7C00u));
+        return hn::Or(hn::Or(blue, green), red);
+    }
+    // Fields of ten bits, and two of alpha. Bytes that are doubled end in their own highest bits.
+    template <Widening kWidening>
+    HWY_INLINE static Vector32 Tens(Vector32 word)
+    {
+        const Lanes32 lanes;
+        const auto part = [&](Vector32 v, uint32_t mask)
+                              HWY_ATTR { return hn::And(v, hn::Set(lanes, mask)); };
+        const auto tens = hn::Or(
+            hn::Or(part(hn::ShiftLeft<2>(word), 0xFFu << 2), part(hn::ShiftLeft<4>(word), 0xFFu << 12)),
+            hn::Or(part(hn::ShiftLeft<6>(word), 0xFFu << 22), part(word, 3u << 30)));
+        if constexpr (kWidening != Widening::Double)
+            return tens;
+        return hn::Or(
+            tens, hn::Or(part(hn::ShiftRight<6>(word), 3), hn::Or(part(hn::ShiftRight<4>(word), 3u << 10),
+                                                                  part(hn::ShiftRight<2>(word), 3u << 20))));
     }
 };
 
@@ -209,6 +330,26 @@ struct VectorKernels
     static void FromPlanes(uint8_t* at, const RunPlanes& planes, int32_t count, const tVXXCHG& x)
     {
         WritePlanes<TheCodec, VectorSteps>(at, planes, count, x);
+    }
+    template <class TheCodec>
+    static void ToBytes(uint32_t* words, const uint8_t* at, int32_t count, const tVXXCHG& x)
+    {
+        ReadBytes<TheCodec, VectorSteps>(words, at, count, x);
+    }
+    template <class TheCodec, Widening kWidening>
+    static void FromBytes(uint8_t* at, const uint32_t* words, int32_t count, const tVXXCHG& x)
+    {
+        WriteBytes<TheCodec, kWidening, VectorSteps>(at, words, count, x);
+    }
+    template <class TheCodec, bool kExact>
+    static void ToGray(uint16_t* words, const uint8_t* at, int32_t count, const tVXXCHG& x)
+    {
+        ReadGray<TheCodec, kExact, VectorSteps>(words, at, count, x);
+    }
+    template <class TheCodec>
+    static void FromGray(uint8_t* at, const uint16_t* words, int32_t count, const tVXXCHG& x)
+    {
+        WriteGray<TheCodec, VectorSteps>(at, words, count, x);
     }
 };
 
@@ -300,13 +441,26 @@ RunKernels SelectRuns(const tVXXCHG& record)
     const RunTable& runs = *VX_VECTOR_FORM(VectorRuns, PlainRuns)();
     const size_t row = size_t(KernelRow(record.depth, record.flags));
     const size_t source = size_t(record.sourceType - kFirstType), dest = size_t(record.destType - kFirstType);
-    return {runs.read[row][source],
-            kSamples[row][source],
-            runs.write[row][dest],
-            runs.readPlanes[row][source],
-            runs.writePlanes[row][dest],
-            HoldsWorking(int32_t(row), record.sourceType),
-            HoldsWorking(int32_t(row), record.destType)};
+    RunKernels kernels{.read = runs.read[row][source],
+                       .sample = kSamples[row][source],
+                       .write = runs.write[row][dest],
+                       .readPlanes = runs.readPlanes[row][source],
+                       .writePlanes = runs.writePlanes[row][dest],
+                       .sourceIsBytes = HoldsBytes(record.sourceType),
+                       .destIsBytes = HoldsBytes(record.destType),
+                       .sourceIsWorking = HoldsWorking(int32_t(row), record.sourceType),
+                       .destIsWorking = HoldsWorking(int32_t(row), record.destType)};
+    const bool exact = row % 2 == 1;
+    if (runs.readGray[exact][source] && runs.writeGray[dest]) {
+        kernels.readGray = runs.readGray[exact][source];
+        kernels.writeGray = runs.writeGray[dest];
+    }
+    const Widening widening = WideningOf(record.sourceType, exact);
+    if (widening != Widening::None || TakesHighBytes(record.destType)) {
+        kernels.readBytes = runs.readBytes[source];
+        kernels.writeBytes = runs.writeBytes[widening == Widening::Double][dest];
+    }
+    return kernels;
 }
 
 } // namespace vx
