@@ -210,6 +210,8 @@ constexpr DirectRowFn kToFloatDirectly[] = {BytesToFloatRow<CurveUse::Direct, 3>
 
 #endif // VX_DIRECT_ROWS_PLAIN
 
+#include "dib/direct_levels-inl.h"
+
 HWY_BEFORE_NAMESPACE();
 namespace vx {
 namespace HWY_NAMESPACE {
@@ -217,181 +219,8 @@ namespace {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-using Floats = hn::CappedTag<float, 16>;
-using Longs = hn::RebindToSigned<Floats>;
-using Bytes16 = hn::Full128<uint8_t>;
-constexpr int32_t kLanes = int32_t(HWY_MIN(HWY_MAX_BYTES / sizeof(float), 16));
-constexpr int32_t kParts = 16 / kLanes; // vectors of four pixels
-
 // Pixels of three bytes are read and written 16 bytes at a time, two pixels beyond the four that count.
 constexpr int32_t kPixelsOf16Bytes = 6;
-
-const float* FloatPointer(const uint8_t* p)
-{
-    return reinterpret_cast<const float*>(p); // for loads that take any address
-}
-
-float* FloatPointer(uint8_t* p)
-{
-    return reinterpret_cast<float*>(p);
-}
-
-// Makes lanes of y the curve's own value where x lies outside of the table.
-template <class V, class Outside>
-HWY_INLINE V EvaluateOutside(V x, V y, const Outside& isOutside, const VxTransferCurve& curve)
-{
-    const Floats d;
-    alignas(64) float xs[kLanes], ys[kLanes];
-    hn::Store(x, d, xs);
-    hn::Store(y, d, ys);
-    for (int32_t i = 0; i < kLanes; ++i)
-        if (isOutside(xs[i]))
-            ys[i] = EvaluateCurve(curve, xs[i]);
-    return hn::Load(d, ys);
-}
-
-// Values held to 0.0 to 1.0, a NaN as 0.0.
-template <class V>
-HWY_INLINE V HeldToUnit(V x)
-{
-    const Floats d;
-    return hn::Min(hn::IfThenElseZero(hn::Gt(x, hn::Zero(d)), x), hn::Set(d, 1.0f));
-}
-
-// The table's entries at each index and behind it, side by side. Loads one by one beat the processor's own
-// gathering of them: half as many do.
-template <class V>
-HWY_INLINE hn::Vec<Floats> EntryPairs(V indexes, const VxTransferCurve& curve)
-{
-    const hn::Repartition<int64_t, Floats> pairs;
-    alignas(64) int32_t at[kLanes / 2];
-    alignas(64) int64_t entries[kLanes / 2];
-    hn::Store(indexes, hn::Half<Longs>(), at);
-    for (int32_t i = 0; i < kLanes / 2; ++i)
-        std::memcpy(entries + i, curve.floatTable + at[i], sizeof(entries[i]));
-    return hn::BitCast(Floats(), hn::Load(pairs, entries));
-}
-
-// Between entries of the table, for values already held.
-template <class V>
-HWY_INLINE V Interpolate(V held, const VxTransferCurve& curve)
-{
-    const Floats d;
-    const Longs longs;
-    const auto p = hn::Mul(held, hn::Set(d, float(curve.tableLast)));
-    const auto index = hn::ConvertTo(longs, p);
-    const auto f = hn::Sub(p, hn::ConvertTo(d, index));
-    const auto low = EntryPairs(hn::LowerHalf(index), curve);
-    const auto high = EntryPairs(hn::UpperHalf(hn::Half<Longs>(), index), curve);
-    const auto here = hn::ConcatEven(d, high, low), next = hn::ConcatOdd(d, high, low);
-    return hn::Add(hn::Mul(here, hn::Sub(hn::Set(d, 1.0f), f)), hn::Mul(next, f));
-}
-
-template <class V>
-HWY_INLINE V LookUpFloats(V x, const VxTransferCurve& curve)
-{
-    const Floats d;
-    const auto inside = Interpolate(HeldToUnit(x), curve);
-    const auto outside = hn::Or(hn::Lt(x, hn::Zero(d)), hn::Gt(x, hn::Set(d, 1.0f)));
-    if (HWY_UNLIKELY(!hn::AllFalse(d, outside)))
-        return EvaluateOutside(
-            x, inside, [](float v) { return v < 0.0f || v > 1.0f; }, curve);
-    return inside;
-}
-
-// The same for what becomes 8 bits: below 0.0 the curve is no more than 0, and from a little above 1.0
-// on it is above 1. Between, rounding may bring it below 1, and to level 254.
-template <class V>
-HWY_INLINE V LookUpLevels(V x, const VxTransferCurve& curve)
-{
-    constexpr float kSurelyAbove = 1.01f;
-    const Floats d;
-    const auto one = hn::Set(d, 1.0f);
-    const auto inside = Interpolate(HeldToUnit(x), curve);
-    const auto isAbove = hn::Ge(x, hn::Set(d, kSurelyAbove));
-    const auto above = hn::Gt(x, one);
-    auto levels = hn::IfThenElse(isAbove, hn::Set(d, 2.0f), inside);
-    levels = hn::IfThenElse(hn::Lt(x, hn::Zero(d)), hn::Set(d, -1.0f), levels);
-    if (HWY_UNLIKELY(!hn::AllTrue(d, hn::Or(isAbove, hn::Not(above)))))
-        return EvaluateOutside(
-            x, levels, [](float v) { return v > 1.0f && v < kSurelyAbove; }, curve);
-    return levels;
-}
-
-// Numbers of the nearest entries of a byte table, halves upwards. What lies outside of the table has the
-// level of its first entry or of its last: 0 and 255.
-template <class V>
-HWY_INLINE hn::Vec<Longs> PickedEntries(V x, const VxTransferCurve& curve)
-{
-    const Floats d;
-    const Longs longs;
-    const auto p = hn::Mul(HeldToUnit(x), hn::Set(d, float(curve.tableLast)));
-    const auto below = hn::ConvertTo(longs, p);
-    const auto f = hn::Sub(p, hn::ConvertTo(d, below));
-    const auto goesUp = hn::RebindMask(longs, hn::Ge(f, hn::Set(d, 0.5f)));
-    return hn::Add(below, hn::IfThenElseZero(goesUp, hn::Set(longs, 1)));
-}
-
-HWY_INLINE hn::Vec<Bytes16> PickedBytes(const float* from, const VxTransferCurve& curve)
-{
-    const Floats d;
-    alignas(64) int32_t entries[16];
-    alignas(16) uint8_t levels[16];
-    for (int32_t k = 0; k < 16; k += kLanes)
-        hn::Store(PickedEntries(hn::LoadU(d, from + k), curve), Longs(), entries + k);
-    for (int32_t i = 0; i < 16; ++i)
-        levels[i] = curve.byteTable[entries[i]];
-    return hn::Load(Bytes16(), levels);
-}
-
-// The product of Levels::Truncated is one of floats: rounded, it reaches the next integer for no float from
-// 0.0 to 1.0.
-template <Levels levels, CurveUse use, class V>
-HWY_INLINE auto LevelsOf(V x, const float* dither, const VxTransferCurve& curve)
-{
-    const Floats d;
-    const Longs longs;
-    if constexpr (use == CurveUse::Table)
-        x = LookUpLevels(x, curve);
-    if constexpr (levels == Levels::Dithered)
-        x = hn::Add(x, hn::Load(d, dither));
-    else if constexpr (levels == Levels::Rounded)
-        x = hn::Add(x, hn::Set(d, kHalfStep));
-    return hn::ConvertTo(longs, hn::Mul(HeldToUnit(x), hn::Set(d, 255.0f)));
-}
-
-// 16 levels as bytes; level(k) gives those of vector k.
-template <class Level>
-HWY_INLINE hn::Vec<Bytes16> JoinLevels(const Level& level)
-{
-    const Bytes16 bytes;
-    const hn::Half<Bytes16> half;
-    if constexpr (kParts == 1) {
-        return hn::DemoteTo(bytes, level(0));
-    } else if constexpr (kParts == 2) {
-        const auto low = hn::DemoteTo(half, level(0));
-        return hn::Combine(bytes, hn::DemoteTo(half, level(1)), low);
-    } else {
-        const hn::Full64<int16_t> words;
-        const hn::Full128<int16_t> pairs;
-        const auto low0 = hn::DemoteTo(words, level(0));
-        const auto low = hn::Combine(pairs, hn::DemoteTo(words, level(1)), low0);
-        const auto high0 = hn::DemoteTo(words, level(2));
-        const auto high = hn::Combine(pairs, hn::DemoteTo(words, level(3)), high0);
-        return hn::Combine(bytes, hn::DemoteTo(half, high), hn::DemoteTo(half, low));
-    }
-}
-
-template <Levels levels, CurveUse use>
-HWY_INLINE hn::Vec<Bytes16> BytesOf(const float* from, const float* dither, const VxTransferCurve& curve)
-{
-    if constexpr (levels == Levels::Picked)
-        return PickedBytes(from, curve);
-    else
-        return JoinLevels([&](int32_t k) HWY_ATTR {
-            return LevelsOf<levels, use>(hn::LoadU(Floats(), from + k * kLanes), dither + k * kLanes, curve);
-        });
-}
 
 constexpr uint8_t kNone = 0x80; // a byte of a shuffle that becomes 0
 alignas(16) constexpr uint8_t kPack24[16] = {0,  1,  2,  4,  5,     6,     8,     9,
@@ -399,17 +228,39 @@ alignas(16) constexpr uint8_t kPack24[16] = {0,  1,  2,  4,  5,     6,     8,   
 alignas(16) constexpr uint8_t kSpread24[16] = {0, 1, 2, kNone, 3, 4,  5,  kNone,
                                                6, 7, 8, kNone, 9, 10, 11, kNone};
 
-// Calls block(x) for every fourth pixel from which on a row has `reach` more, four times a turn while it
-// can; returns the pixel that comes next.
+// Calls block(x) for every fourth pixel from `x` on that has `reach` more with it, four times a turn while it can;
+// returns the pixel that comes next.
 template <class Block>
-HWY_INLINE int32_t ForBlocks(int32_t width, int32_t reach, const Block& block)
+HWY_INLINE int32_t ForBlocks(int32_t x, int32_t width, int32_t reach, const Block& block)
 {
-    int32_t x = 0;
     for (; x + 12 + reach <= width; x += 16)
         for (int32_t k = 0; k < 16; k += 4)
             block(x + k);
     for (; x + reach <= width; x += 4)
         block(x);
+    return x;
+}
+
+// Writes the pixels of whole vectors; returns the one that comes next. Four vectors at a time: the dither of a vector is
+// that of the columns it has.
+template <Levels levels, CurveUse use, int32_t channels>
+HWY_INLINE int32_t WriteWholeLevels(uint8_t* dest, const uint8_t* source, int32_t width, const float* dither,
+                                    const VxTransferCurve& curve)
+{
+    static_assert(kPixels24 == kLanes, "a vector of pixels has as many as one of floats has floats");
+    constexpr int32_t kReach = channels == 3 ? kReach24 : kLanes;
+    int32_t x = 0;
+    for (; x + kReach <= width; x += kLanes) {
+        const float* const from = FloatPointer(source + int64_t(x) * 16);
+        const auto pixels = JoinFourLevels([&](int32_t k) HWY_ATTR {
+            return LevelsOf<levels, use>(hn::LoadU(Floats(), from + k * kLanes), dither + k * kLanes % 16,
+                                         curve);
+        });
+        if constexpr (channels == 3)
+            StorePixels24(pixels, dest + int64_t(x) * 3);
+        else
+            hn::StoreU(pixels, Lanes8(), dest + int64_t(x) * 4);
+    }
     return x;
 }
 
@@ -419,15 +270,18 @@ void FloatToBytesRowVector(uint8_t* dest, const uint8_t* source, int32_t width, 
 {
     const Bytes16 bytes;
     const float* const dither = DitherOf(y);
+    int32_t x = 0;
+    if constexpr (levels != Levels::Picked)
+        x = WriteWholeLevels<levels, use, channels>(dest, source, width, dither, curve);
     constexpr int32_t kReach = channels == 3 ? kPixelsOf16Bytes : 4;
-    const auto block = [&](int64_t x) HWY_ATTR {
-        const float* const from = FloatPointer(source + x * 16);
+    const auto block = [&](int64_t at) HWY_ATTR {
+        const float* const from = FloatPointer(source + at * 16);
         auto pixels = BytesOf<levels, use>(from, dither, curve);
         if constexpr (channels == 3)
             pixels = hn::TableLookupBytesOr0(pixels, hn::Load(bytes, kPack24));
-        hn::StoreU(pixels, bytes, dest + x * channels);
+        hn::StoreU(pixels, bytes, dest + at * channels);
     };
-    const int32_t x = ForBlocks(width, kReach, block);
+    x = ForBlocks(x, width, kReach, block);
     FloatToBytesRow<levels, use, channels>(dest + int64_t(x) * channels, source + int64_t(x) * 16, width - x,
                                            y, curve);
 }
@@ -492,7 +346,7 @@ void BytesToFloatRowVector(uint8_t* dest, const uint8_t* source, int32_t width, 
     const auto channel = hn::And(hn::Iota(longs, 0), hn::Set(longs, 3));
     const auto isAlpha = hn::RebindMask(Floats(), hn::Eq(channel, hn::Set(longs, 3)));
     constexpr int32_t kReach = channels == 3 ? kPixelsOf16Bytes : 4;
-    const int32_t x = ForBlocks(width, kReach, [&](int64_t at) HWY_ATTR {
+    const int32_t x = ForBlocks(0, width, kReach, [&](int64_t at) HWY_ATTR {
         auto pixels = hn::LoadU(bytes, source + at * channels);
         if constexpr (channels == 3)
             pixels = hn::TableLookupBytesOr0(pixels, hn::Load(bytes, kSpread24));
@@ -505,24 +359,20 @@ void BytesToFloatRowVector(uint8_t* dest, const uint8_t* source, int32_t width, 
 void Bytes3To4RowVector(uint8_t* dest, const uint8_t* source, int32_t width, int32_t y,
                         const VxTransferCurve& curve)
 {
-    const Bytes16 bytes;
-    const auto spread = hn::Load(bytes, kSpread24);
-    const auto opaque = hn::BitCast(bytes, hn::Set(hn::Full128<uint32_t>(), 0xFF000000u));
-    const int32_t x = ForBlocks(width, kPixelsOf16Bytes, [&](int64_t at) HWY_ATTR {
-        const auto packed = hn::LoadU(bytes, source + at * 3);
-        hn::StoreU(hn::Or(hn::TableLookupBytesOr0(packed, spread), opaque), bytes, dest + at * 4);
-    });
+    const Lanes8 bytes;
+    const auto opaque = hn::BitCast(bytes, hn::Set(hn::Repartition<uint32_t, Lanes8>(), 0xFF000000u));
+    int32_t x = 0;
+    for (; x + kReach24 <= width; x += kPixels24)
+        hn::StoreU(hn::Or(LoadPixels24(source + int64_t(x) * 3), opaque), bytes, dest + int64_t(x) * 4);
     Bytes3To4Row(dest + int64_t(x) * 4, source + int64_t(x) * 3, width - x, y, curve);
 }
 
 void Bytes4To3RowVector(uint8_t* dest, const uint8_t* source, int32_t width, int32_t y,
                         const VxTransferCurve& curve)
 {
-    const Bytes16 bytes;
-    const auto pack = hn::Load(bytes, kPack24);
-    const int32_t x = ForBlocks(width, kPixelsOf16Bytes, [&](int64_t at) HWY_ATTR {
-        hn::StoreU(hn::TableLookupBytesOr0(hn::LoadU(bytes, source + at * 4), pack), bytes, dest + at * 3);
-    });
+    int32_t x = 0;
+    for (; x + kReach24 <= width; x += kPixels24)
+        StorePixels24(hn::LoadU(Lanes8(), source + int64_t(x) * 4), dest + int64_t(x) * 3);
     Bytes4To3Row(dest + int64_t(x) * 3, source + int64_t(x) * 4, width - x, y, curve);
 }
 

@@ -59,7 +59,9 @@ HWY_INLINE void ReadBytes(uint32_t* __restrict out, const uint8_t* __restrict p,
     const ReadContext context = ReadContextOf(x);
     if constexpr (TheCodec::kShape == Shape::Channels) {
         std::memcpy(out, p, size_t(n) * sizeof(*out));
-    } else if constexpr (TheCodec::kShape == Shape::Palette || TheCodec::kBits == 24) {
+    } else if constexpr (TheCodec::kShape == Shape::Palette) {
+        ReadWords<TheCodec, Steps>(out, p, n, context);
+    } else if constexpr (TheCodec::kBits == 24) {
         ReadWords<TheCodec, Steps>(out, p, n, context);
         for (int32_t i = 0; i < n; ++i)
             out[i] |= kOpaqueBytes;

@@ -160,14 +160,14 @@ using BlockWord = std::conditional_t<TheCodec::kShape == Shape::Gray && TheCodec
                                      typename TheCodec::Word>;
 
 // Never inlined, and so not compiled for vector targets: loads one by one beat the processors' own
-// gathering.
+// gathering. Entries are opaque, whatever their fourth byte.
 template <class Index>
 HWY_NOINLINE void LoadEntries(uint32_t* __restrict entries, const Index* __restrict indexes, int32_t n,
                               const ReadContext& context)
 {
     const uint8_t* const palette = context.palette;
     for (int32_t i = 0; i < n; ++i)
-        std::memcpy(entries + i, palette + 4 * size_t(indexes[i]), sizeof(*entries));
+        entries[i] = Memory<32, uint32_t>::Load(palette + 4 * size_t(indexes[i]), 0) | kOpaqueBytes;
 }
 
 // Words of a block of pixels; palette types give the table's entries.

@@ -206,6 +206,8 @@ TEST_F(TextCommand, RequestsThatContradictAreRefused)
         {"print \"$(printf 'a\\303')\"", "is not UTF-8"},
         {"error 1 many", "CODE is a status as 0x8004E00A, or a decimal number, not 'many'"},
         {"error 1 0x123456789", "CODE is a status"},
+        {"error '%s and %s' 2", "a text with one %s at most"},
+        {"error 'line %d' 2", "a text with one %s at most"},
         {"error 1 2 --lang tlh", "--lang takes one of en, ja, de,"},
         {"prompt 0x4001 x", "flags with bits of 0xC000 need --details"},
         {"prompt maybe", "BUTTONS takes ok, ok-cancel,"},

@@ -7,6 +7,7 @@
 #include "vx/print.h"
 #include "vxtool/commands.h"
 #include "vxtool/languages.h"
+#include "vxtool/print_call.h"
 #include "vxtool/unicode.h"
 
 #include <algorithm>
@@ -72,6 +73,18 @@ HRESULT CodeOf(const Arguments& arguments)
     return arguments.Has("--system") ? VxErrorHandler_TranslateWin32Error(code) : HRESULT(code);
 }
 
+// A number, or a format of the user's own, which gets one name.
+uintptr_t ContextOf(const std::string& word, const std::u16string& format)
+{
+    uint32_t number = 0;
+    if (ReadCode(word, number) && number <= kLastContext)
+        return number;
+    const std::vector<ArgumentKind> kinds = ArgumentsOfFormat(format);
+    if (kinds.size() > 1 || (kinds.size() == 1 && kinds[0] != ArgumentKind::Text))
+        FailArgument("CONTEXT is a number from 0 to 57, or a text with one %s at most, not '", word, "'");
+    return reinterpret_cast<uintptr_t>(format.c_str());
+}
+
 void AddDetails(const Arguments& arguments, HRESULT code)
 {
     for (const std::string& line : arguments.All("--details"))
@@ -90,10 +103,8 @@ void RunError(const Arguments& arguments)
         return;
     }
     AddDetails(arguments, code);
-    uint32_t number = 0;
-    const bool isNumber = ReadCode(arguments.Operand(0), number) && number <= kLastContext;
     const std::u16string format = Utf16Of(arguments.Operand(0));
-    const uintptr_t context = isNumber ? number : reinterpret_cast<uintptr_t>(format.c_str());
+    const uintptr_t context = ContextOf(arguments.Operand(0), format);
     const std::string* const insert = arguments.Text("--insert");
     VxErrorHandler_MsgBox(nullptr, VXMB_OK, context, code, insert ? Utf16Of(*insert).c_str() : nullptr,
                           arguments.Has("--warning"));
