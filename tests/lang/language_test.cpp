@@ -119,33 +119,37 @@ TEST(Language, ALanguageIsSetForTheHandleTheKernelAndTheProcess)
     EXPECT_EQ(VxLang_GetLCID(handle), 0x0411u);
 }
 
-TEST(Language, AHandedOverModuleServesBothHandlesAndGoesWithItsOwn)
+TEST(Language, AModulePutInServesBothHandlesUntilItsOwnCloses)
 {
     const HostModule host(kModule, kLanguageFile);
-    const HMODULE other = host.Load(
-        u"other.bin",
-        {Strings(0, kGerman, {u"", u"other de"}), {16, 7, kGerman, {1, 2}}, {16, 7, 0x040C, {1, 2}}});
     const HVXLANG kernel = vx::g_kernelLanguage;
-    {
-        const Handle handle(host.module);
+    VxLang_UpdateKernelLCID(kernel, kGerman);
+    const HMODULE kernels = VxLang_InstFromLang(kernel), second = host.Load(u"second.bin", kModule);
+    const Resources german = {
+        Strings(0, kGerman, {u"", u"other de"}), {16, 7, kGerman, {1, 2}}, {16, 7, 0x040C, {1, 2}}};
+    const HMODULE file = host.Load(u"second.LNG", german), other = host.Load(u"other.bin", german);
+    for (const HMODULE module : {other, file, second}) {
+        EXPECT_EQ(VxLang_InstFromLang(kernel), kernels); // again
+        const Handle handle(second, kGerman);
+        char16_t list[20];
+        EXPECT_EQ(VxEnumResourceLanguages(handle, 7, list, 20),
+                  0); // read as English until the language is set
         VxLang_UpdateKernelLCID(handle, kGerman);
         EXPECT_EQ(VxLang_ChangeLangInst(handle, nullptr), 1);
-        EXPECT_EQ(VxLang_ChangeLangInst(handle, other), 1);
-        EXPECT_EQ(VxLang_ChangeLangInst(handle, other), 1);
-        EXPECT_EQ(std::u16string(VxGetString(kernel, 1)), u"other de");
-        char16_t list[20];
+        EXPECT_EQ(VxLang_InstFromLang(handle), file);
         EXPECT_EQ(VxEnumResourceLanguages(handle, 7, list, 20), 7);
         EXPECT_EQ(std::u16string(list), u"DEU,FRA");
         EXPECT_EQ(VxEnumResourceLanguages(handle, 7, list, 6), 5);
         EXPECT_EQ(std::u16string(list), u"DEU,F");
+        for (int again = 0; again < 2; ++again)
+            EXPECT_EQ(VxLang_ChangeLangInst(handle, module), 1);
+        EXPECT_EQ(VxLang_InstFromLang(kernel), module);
+        EXPECT_EQ(std::u16string(VxGetString(handle, 1)), module == second ? u"module de" : u"other de");
     }
-    char16_t text[20];
-    EXPECT_EQ(GetModuleFileNameW(other, text, 20), 0u); // freed
-    VxLoadString(kernel, 1, text, 20);
-    EXPECT_EQ(std::u16string(text), u"file de");
-    VxLang_ChangeLangInst(kernel, host.module); // a module of its own is not freed
-    VxLang_UpdateKernelLCID(kernel, kEnglish);
-    EXPECT_EQ(std::u16string(VxGetString(kernel, 1)), u"module en");
+    EXPECT_EQ(VxLang_InstFromLang(kernel), kernels);
+    EXPECT_TRUE(FreeLibrary(file) && FreeLibrary(second));
+    EXPECT_FALSE(FreeLibrary(other)) << "gone with its handle";
+    VxLang_ChangeLangInst(kernel, host.module); // its own, which is not freed with it
 }
 
 TEST(Language, OpeningWithoutMemoryOrTwiceChangesNothing)
