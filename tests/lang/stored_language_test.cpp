@@ -22,7 +22,7 @@ uint64_t Stored(HKEY root, const std::u16string& path, const char16_t* name)
 
 TEST(StoredLanguage, IsKeptByVendorApplicationAndVersion)
 {
-    constexpr uint32_t kVersion = 12u << 24 | 3u << 16 | 0xFFFF, kMinorOnly = 3u << 16;
+    constexpr uint32_t kVersion = 200u << 24 | 131u << 16 | 0xFFFF, kMinorOnly = 3u << 16;
     constexpr const char16_t* kOwn = u"Vexmere Studio Works";
     const struct
     {
@@ -32,9 +32,11 @@ TEST(StoredLanguage, IsKeptByVendorApplicationAndVersion)
         uint16_t lcid;
         const char16_t* key;
     } cases[] = {
-        {kVersion, 0, kOwn, 0x0407, u"\\Demo\\12.3\\Lang"},     {kVersion, 1, kOwn, 0x0C0A, u"\\Demo\\Lang"},
-        {kMinorOnly, 0, kOwn, 0xFFFF, u"\\Demo\\Lang"},         {0, 0, u"Other", 0x0412, u"\\Demo\\Lang"},
-        {kVersion, 0, u"Other", 0x0411, u"\\Demo\\12.3\\Lang"},
+        {kVersion, 0, kOwn, 0x0407, u"\\Demo\\200.131\\Lang"},
+        {kVersion, 1, kOwn, 0x0C0A, u"\\Demo\\Lang"},
+        {kMinorOnly, 0, kOwn, 0xFFFF, u"\\Demo\\Lang"},
+        {0, 0, u"Other", 0x0412, u"\\Demo\\Lang"},
+        {kVersion, 0, u"Other", 0x0411, u"\\Demo\\200.131\\Lang"},
     };
     for (const auto& c : cases) {
         const bool own = c.vendor == kOwn;
