@@ -115,10 +115,11 @@ TEST_F(Kernel, ARunFromStartToEnd)
         EXPECT_EQ(VxKernel_LateTerminate(), 1);
         EXPECT_EQ(calls, "cuk");
         EXPECT_EQ(g_kernelLanguage, nullptr);
-        EXPECT_EQ(VxKernel_GetAppKernel(), nullptr);
     }
-    EXPECT_EQ(VxKernel_EarlyInitialize(nullptr, 0), 1);
+    EXPECT_EQ(VxKernel_EarlyInitialize(module, 0), 1);
     EXPECT_NE(Printed(u"$(own)"), u"mine");
+    VxKernel_LateTerminate();
+    EXPECT_EQ(VxKernel_GetAppKernel(), nullptr);
     FreeLibrary(module);
 }
 
@@ -127,6 +128,9 @@ TEST_F(Kernel, AStartWithoutMemoryFailsAndCanBeRepeated)
 {
     VxKernel_EarlyInitialize(nullptr, 0);
     VxKernel_LateTerminate();
+    VxPlatform_FailAllocationAt(1);
+    EXPECT_EQ(VxKernel_EarlyInitialize(nullptr, 0), 0);
+    EXPECT_EQ(g_kernelLanguage, nullptr) << "not without tokens";
     int failures = 0;
     for (int nth = 1; nth <= 6; ++nth) {
         calls.clear();
