@@ -161,21 +161,18 @@ TEST_F(Kernel, PreferenceChanges)
 
 TEST(Errors, SystemCodesAsStatuses)
 {
-    const struct
-    {
-        uint32_t error, system, dialog;
-    } cases[] = {{0, 0, 0},
-                 {2, 0x8004E00A, 0x8007000E},
-                 {5, 0x80070005, 0x8007000E},
-                 {6, 0x80070006, 0x8004E00E},
-                 {127, 0x8004E00A, 0x80004005},
-                 {9999, 0x80004005, 0x80004005},
-                 {0x3002, 0x80004005, 0x8004E00D},
-                 {0xFFFF, 0x80004005, 0x80070057},
-                 {0xFFFFFFFF, 0x80004005, 0x80004005}};
-    for (const auto& c : cases) {
-        EXPECT_EQ(uint32_t(VxErrorHandler_TranslateWin32Error(c.error)), c.system) << c.error;
-        EXPECT_EQ(uint32_t(VxErrorHandler_TranslateCommDlgError(c.error)), c.dialog) << c.error;
+    const uint32_t cases[][3] = {// of the system, of its dialogs
+                                 {0, 0, 0},
+                                 {2, 0x8004E00A, 0x8007000E},
+                                 {5, 0x80070005, 0x8007000E},
+                                 {6, 0x80070006, 0x8004E00E},
+                                 {127, 0x8004E00A, 0x80004005},
+                                 {0x3002, 0x80004005, 0x8004E00D},
+                                 {0xFFFF, 0x80004005, 0x80070057},
+                                 {0xFFFFFFFF, 0x80004005, 0x80004005}};
+    for (const auto& [error, system, dialog] : cases) {
+        EXPECT_EQ(uint32_t(VxErrorHandler_TranslateWin32Error(error)), system) << error;
+        EXPECT_EQ(uint32_t(VxErrorHandler_TranslateCommDlgError(error)), dialog) << error;
     }
 }
 
