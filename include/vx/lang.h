@@ -68,8 +68,8 @@ VX_EXTERN_C_BEGIN
  * Returns 0, or E_OUTOFMEMORY. */
 VX_EXPORT HRESULT VxLang_Open(HVXLANG* handle, HMODULE module, uint32_t lcid, uint32_t tempChars);
 
-/* Closes a handle; null is no error. All its texts are gone, those of tables excepted, and so are its
- * language file and a module that VxLang_ChangeLangInst handed to it. Returns 0. */
+/* Closes a handle; null is no error. All its texts are gone, those that stand in tables excepted, and
+ * so are its language file and a module that VxLang_ChangeLangInst handed to it. Returns 0. */
 VX_EXPORT int32_t VxLang_Close(HVXLANG handle);
 
 /* The module for dialogs, menus and other resources in the handle's language: the language file where there
@@ -78,8 +78,9 @@ VX_EXPORT HMODULE VxLang_InstFromLang(HVXLANG handle);
 
 /* Puts a module in the place of the language file, for this handle and the kernel's.
  *   module  handed over with one load (FreeLibrary), to the given handle alone: closing it frees the
- *           module, and the kernel's handle then goes back to its own language file. A module that is
- *           replaced by a later call goes back to the caller. Null: nothing changes
+ *           module, and the kernel's handle then goes back to its own language file. What the handle was
+ *           opened on, or has as its language file, is not handed over. A module that is replaced by a
+ *           later call goes back to the caller. Null: nothing changes
  * Cached texts of the old module stay. Returns 1, or 0 where handle is null or the kernel's is not open. */
 VX_EXPORT int32_t VxLang_ChangeLangInst(HVXLANG handle, HMODULE module);
 
@@ -199,7 +200,8 @@ VX_EXTERN_C_END
  * changes or it closes. */
 VX_EXPORT const char16_t* VxGetString(HVXLANG handle, uint32_t id);
 
-/* The table's text in the handle's language, or in English. Never gone, where the table's own texts are. */
+/* The table's text in the handle's language, or in English. Never gone but for one that a number stands for: that
+ * lies in the module and goes with it, and the table is not to be read in that language afterwards. */
 VX_EXPORT const char16_t* VxGetString(HVXLANG handle, vxlang_t* table);
 
 /* Copy the same; a leading "^*" of a table's text goes too. Return the length that was copied. */

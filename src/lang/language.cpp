@@ -99,13 +99,16 @@ HMODULE OwnLanguageInst(const VxLanguage& language)
     return language.languageFile ? language.languageFile : language.hInstDefault;
 }
 
-void FreeHandedOver(VxLanguage& language)
+// Takes what VxLang_ChangeLangInst put in from the kernel's handle too, which must not outlive it there.
+void GiveUpChangedInst(const VxLanguage& language)
 {
-    if (!language.handedOverInst)
+    const HMODULE module = language.changedInst;
+    if (!module)
         return;
-    if (g_kernelLanguage && g_kernelLanguage->hInstLang == language.handedOverInst)
+    if (g_kernelLanguage && g_kernelLanguage->hInstLang == module)
         g_kernelLanguage->hInstLang = OwnLanguageInst(*g_kernelLanguage);
-    FreeLibrary(language.handedOverInst);
+    if (module != language.hInstDefault && module != language.languageFile) // which have their own owners
+        FreeLibrary(module);
 }
 
 struct LanguageList
@@ -167,7 +170,7 @@ int32_t VxLang_Close(HVXLANG handle)
         return 0;
     if (handle->lockValid)
         DeleteCriticalSection(&handle->lock);
-    FreeHandedOver(*handle);
+    GiveUpChangedInst(*handle);
     if (handle->languageFile)
         FreeLibrary(handle->languageFile);
     Free(handle->tempBuffer);
@@ -187,9 +190,7 @@ int32_t VxLang_ChangeLangInst(HVXLANG handle, HMODULE module)
         return 0;
     if (!module)
         return 1;
-    // A handle's own modules are its to free already.
-    const bool own = module == handle->hInstDefault || module == handle->languageFile;
-    handle->handedOverInst = own ? nullptr : module;
+    handle->changedInst = module;
     handle->hInstLang = module;
     g_kernelLanguage->hInstLang = module;
     return 1;

@@ -9,20 +9,20 @@
 
 struct VxLanguage
 {
-    HMODULE hInstDefault;   // the module that the handle was opened on; its owner frees it
-    int32_t lockValid;      // whether lock was made
-    CRITICAL_SECTION lock;  // guards tempPos and stringCache
-    uint32_t tempCapacity;  // characters of the ring
-    uint32_t tempReserve;   // a request finds at least so many characters, or goes back to the start
-    uint32_t tempPos;       // next free character of the ring; even
-    char16_t* tempBuffer;   // the ring
-    int32_t useLangInst;    // 1 where the language is not English
-    HMODULE hInstLang;      // where texts in the language are looked for
-    uint32_t lcid;          // 0: none yet
-    int32_t langSlot;       // of the language in tables, 1 to 18; 0: to be worked out
-    tVXLIST* stringCache;   // CachedString items, sorted by number
-    HMODULE languageFile;   // loaded with the handle; null if there is none
-    HMODULE handedOverInst; // from VxLang_ChangeLangInst, to be freed with the handle; null if none
+    HMODULE hInstDefault;  // the module that the handle was opened on; its owner frees it
+    int32_t lockValid;     // whether lock was made
+    CRITICAL_SECTION lock; // guards tempPos and stringCache
+    uint32_t tempCapacity; // characters of the ring
+    uint32_t tempReserve;  // a request finds at least so many characters, or goes back to the start
+    uint32_t tempPos;      // next free character of the ring; even
+    char16_t* tempBuffer;  // the ring
+    int32_t useLangInst;   // 1 where the language is not English
+    HMODULE hInstLang;     // where texts in the language are looked for
+    uint32_t lcid;         // 0: none yet
+    int32_t langSlot;      // of the language in tables, 1 to 18; 0: to be worked out
+    tVXLIST* stringCache;  // CachedString items, sorted by number
+    HMODULE languageFile;  // loaded with the handle; null if there is none
+    HMODULE changedInst;   // the last of VxLang_ChangeLangInst; null if none
 };
 
 namespace vx {

@@ -39,19 +39,15 @@ TEST_F(Capability, OsWordIgnoresTheAllowMask)
     EXPECT_EQ(VxGetCPUSupport(0), 0u);
 }
 
-TEST_F(Capability, AllowBringsBackOnlyWhatTheProcessorHas)
+TEST_F(Capability, TheMaskIsNarrowedAndWidenedWithinWhatTheProcessorHas)
 {
     const uint32_t before = VxGetCPUSupport(0);
     EXPECT_EQ(VxDisallowCPUSupport(int32_t(VX_CPU_SSE2)), 1);
     EXPECT_EQ(VxGetCPUSupport(VX_CPU_SSE2), 0u);
     EXPECT_EQ(VxAllowCPUSupport(VX_CPU_SSE2 | 0x80000000u), 1);
     EXPECT_EQ(VxGetCPUSupport(0), before);
-}
-
-TEST_F(Capability, OnlyAllowGovernsTheVectorBits)
-{
     EXPECT_EQ(VxOnlyAllowCPUSupport(VX_CPU_CMOV), 0) << "outside the governed bits";
-    EXPECT_EQ(VxGetCPUSupport(VX_CPU_SSE2), VX_CPU_SSE2) << "a refusal changes nothing";
+    EXPECT_EQ(VxGetCPUSupport(0), before) << "a refusal changes nothing";
     EXPECT_EQ(VxOnlyAllowCPUSupport(VX_CPU_SSE | VX_CPU_SSE2), 1);
     EXPECT_EQ(VxGetCPUSupport(0) & VX_CPU_VECTOR, VX_CPU_SSE | VX_CPU_SSE2);
     EXPECT_TRUE(VxGetCPUSupport(VX_CPU_CMOV));
@@ -59,15 +55,12 @@ TEST_F(Capability, OnlyAllowGovernsTheVectorBits)
 
 TEST_F(Capability, ClassFollowsTheAllowMask)
 {
-    const struct
-    {
-        uint32_t allowed;
-        uint32_t wantClass;
-    } cases[] = {{VX_CPU_VECTOR, 6}, {VX_CPU_SSE | VX_CPU_MMX, 5}, {VX_CPU_MMX, 4}, {0, 0}};
-    for (const auto& c : cases) {
-        VxOnlyAllowCPUSupport(c.allowed);
+    const std::pair<uint32_t, uint32_t> cases[] = {
+        {VX_CPU_VECTOR, 6}, {VX_CPU_SSE | VX_CPU_MMX, 5}, {VX_CPU_MMX, 4}, {0, 0}};
+    for (const auto& [allowed, wantClass] : cases) {
+        VxOnlyAllowCPUSupport(allowed);
         EXPECT_EQ(VxSetCPUClassBySupport(), 1);
-        EXPECT_EQ(VxGetCPUSupport(0) & VX_CPU_CLASS_MASK, c.wantClass);
+        EXPECT_EQ(VxGetCPUSupport(0) & VX_CPU_CLASS_MASK, wantClass);
     }
     VxOnlyAllowCPUSupport(VX_CPU_VECTOR);
     VxSetCPUClassBySupport();
@@ -78,11 +71,8 @@ TEST_F(Capability, ClassFollowsTheAllowMask)
 
 TEST_F(Capability, NarrowingTheMaskNarrowsTheVectorTargets)
 {
-    const struct
-    {
-        uint32_t allowed;
-        int64_t targets; // at most these
-    } cases[] = {
+    const std::pair<uint32_t, int64_t> cases[] = {
+        // with these bits at most these targets
         {0, 0},
         {VX_CPU_SSE | VX_CPU_SSE2, 0},
         {VX_CPU_SSE | VX_CPU_SSE2 | VX_CPU_SSE3 | VX_CPU_SSSE3, HWY_SSSE3},
@@ -90,9 +80,9 @@ TEST_F(Capability, NarrowingTheMaskNarrowsTheVectorTargets)
         {VX_CPU_VECTOR & ~VX_CPU_SSE2, 0},
         {VX_CPU_VECTOR, HWY_SSSE3 | HWY_SSE4 | HWY_AVX2 | HWY_AVX3 | HWY_AVX3_DL},
     };
-    for (const auto& c : cases) {
-        VxOnlyAllowCPUSupport(c.allowed);
-        EXPECT_EQ(vx::AllowedVectorTargets(), c.targets & hwy::SupportedTargets()) << std::hex << c.allowed;
+    for (const auto& [allowed, targets] : cases) {
+        VxOnlyAllowCPUSupport(allowed);
+        EXPECT_EQ(vx::AllowedVectorTargets(), targets & hwy::SupportedTargets()) << std::hex << allowed;
     }
 }
 
@@ -113,22 +103,13 @@ TEST_F(Capability, OnlyTheProbeChangesTheFloatMode)
 
 TEST(FourCC, UnprintableByteEndsTheText)
 {
-    const struct
-    {
-        uint32_t fourCC;
-        std::u16string want;
-    } cases[] = {
-        {0x756E6547, u"Genu"},
-        {0x00006E65, std::u16string(u"en\0\0", 4)},
-        {0x41421F41, std::u16string(u"A\0BA", 4)},
-        {0x7F7E2080, std::u16string(u"\0 ~\0", 4)},
-    };
-    for (const auto& c : cases) {
-        char16_t text[6] = {u'x', u'x', u'x', u'x', u'x', u'x'};
-        VxFourCCToStringCPU(int32_t(c.fourCC), text);
-        EXPECT_EQ(std::u16string(text, 4), c.want);
-        EXPECT_EQ(text[4], u'\0');
-        EXPECT_EQ(text[5], u'x');
+    const std::pair<uint32_t, std::u16string> cases[] = {{0x756E6547, u"Genu"},
+                                                         {0x41421F41, std::u16string(u"A\0BA", 4)},
+                                                         {0x7F7E2080, std::u16string(u"\0 ~\0", 4)}};
+    for (const auto& [fourCC, want] : cases) {
+        std::u16string text = u"xxxxxx";
+        VxFourCCToStringCPU(int32_t(fourCC), text.data());
+        EXPECT_EQ(text, want + u'\0' + u'x');
     }
 }
 

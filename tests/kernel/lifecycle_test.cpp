@@ -66,18 +66,12 @@ HMODULE ColorModule()
 
 TEST_F(Kernel, ColorModesOfTheFlags)
 {
-    const struct
-    {
-        uint32_t flags, mode;
-    } cases[] = {{0, 0},
-                 {VXKERNEL_OWN_COLORS, kOwnColors},
-                 {VXKERNEL_DELEGATE_COLORS, kDelegatedColors},
-                 {0x21, kOwnColors},
-                 {~0x21u, 0}};
-    for (const auto& c : cases) {
-        EXPECT_EQ(VxKernel_EarlyInitialize(nullptr, c.flags), 1);
-        EXPECT_EQ(kernelState.colorMode, c.mode) << c.flags;
-        EXPECT_EQ(kernelState.flags, c.flags);
+    const std::pair<uint32_t, uint32_t> cases[] = {
+        {0, 0}, {0x01, kOwnColors}, {0x20, kDelegatedColors}, {0x21, kOwnColors}, {~0x21u, 0}};
+    for (const auto& [flags, mode] : cases) {
+        EXPECT_EQ(VxKernel_EarlyInitialize(nullptr, flags), 1);
+        EXPECT_EQ(kernelState.colorMode, mode) << flags;
+        EXPECT_EQ(kernelState.flags, flags);
     }
 }
 
@@ -94,6 +88,11 @@ TEST_F(Kernel, ARunFromStartToEnd)
     EXPECT_EQ(calls, "rn");
     EXPECT_EQ(VxKernel_GetAppKernel(), module);
     EXPECT_TRUE(AppKernelPath().ends_with(u"vx_test_colors.so"));
+    char16_t path[] = u"####";
+    EXPECT_EQ(VxKernel_GetAppKernelPathName(path, 0), E_FAIL) << "a code without a status of its own";
+    EXPECT_EQ(path, std::u16string(u"####"));
+    EXPECT_EQ(VxKernel_GetAppKernelPathName(path, 4), S_OK);
+    EXPECT_EQ(path, AppKernelPath().substr(0, 3));
     EXPECT_EQ(GetErrorMode(), SEM_NOGPFAULTERRORBOX | SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX);
     EXPECT_EQ(kernelState.splash, 0) << "named too early";
     EXPECT_EQ(kernelState.firstApplicationCursor, 100u);
@@ -116,10 +115,11 @@ TEST_F(Kernel, ARunFromStartToEnd)
         EXPECT_EQ(VxKernel_LateTerminate(), 1);
         EXPECT_EQ(calls, "cuk");
         EXPECT_EQ(g_kernelLanguage, nullptr);
-        EXPECT_EQ(VxKernel_GetAppKernel(), nullptr);
     }
-    EXPECT_EQ(VxKernel_EarlyInitialize(nullptr, 0), 1);
+    EXPECT_EQ(VxKernel_EarlyInitialize(module, 0), 1);
     EXPECT_NE(Printed(u"$(own)"), u"mine");
+    VxKernel_LateTerminate();
+    EXPECT_EQ(VxKernel_GetAppKernel(), nullptr);
     FreeLibrary(module);
 }
 
@@ -128,6 +128,9 @@ TEST_F(Kernel, AStartWithoutMemoryFailsAndCanBeRepeated)
 {
     VxKernel_EarlyInitialize(nullptr, 0);
     VxKernel_LateTerminate();
+    VxPlatform_FailAllocationAt(1);
+    EXPECT_EQ(VxKernel_EarlyInitialize(nullptr, 0), 0);
+    EXPECT_EQ(g_kernelLanguage, nullptr) << "not without tokens";
     int failures = 0;
     for (int nth = 1; nth <= 6; ++nth) {
         calls.clear();
@@ -145,44 +148,31 @@ TEST_F(Kernel, AStartWithoutMemoryFailsAndCanBeRepeated)
     EXPECT_GE(failures, 4);
 }
 
-TEST_F(Kernel, APathThatDoesNotFit)
-{
-    char16_t path[8] = u"#######";
-    EXPECT_EQ(VxKernel_GetAppKernelPathName(path, 0), E_FAIL) << "a code without a status of its own";
-    EXPECT_EQ(std::u16string(path), u"#######");
-}
-
 TEST_F(Kernel, PreferenceChanges)
 {
-    const struct
-    {
-        uint32_t message;
-        const char* calls;
-    } cases[] = {{WM_SYSCOLORCHANGE, "cr"}, {WM_DISPLAYCHANGE, ""}, {0, ""}, {WM_SYSCOLORCHANGE + 1, ""}};
-    for (const auto& c : cases) {
+    const std::pair<uint32_t, const char*> cases[] = {
+        {WM_SYSCOLORCHANGE, "cr"}, {WM_DISPLAYCHANGE, ""}, {0, ""}, {WM_SYSCOLORCHANGE + 1, ""}};
+    for (const auto& [message, want] : cases) {
         calls.clear();
-        VxKernel_UserPrefChanges(-1, c.message);
-        EXPECT_EQ(calls, c.calls) << c.message;
+        VxKernel_UserPrefChanges(-1, message);
+        EXPECT_EQ(calls, want) << message;
     }
 }
 
 TEST(Errors, SystemCodesAsStatuses)
 {
-    const struct
-    {
-        uint32_t error, system, dialog;
-    } cases[] = {{0, 0, 0},
-                 {2, 0x8004E00A, 0x8007000E},
-                 {5, 0x80070005, 0x8007000E},
-                 {6, 0x80070006, 0x8004E00E},
-                 {127, 0x8004E00A, 0x80004005},
-                 {9999, 0x80004005, 0x80004005},
-                 {0x3002, 0x80004005, 0x8004E00D},
-                 {0xFFFF, 0x80004005, 0x80070057},
-                 {0xFFFFFFFF, 0x80004005, 0x80004005}};
-    for (const auto& c : cases) {
-        EXPECT_EQ(uint32_t(VxErrorHandler_TranslateWin32Error(c.error)), c.system) << c.error;
-        EXPECT_EQ(uint32_t(VxErrorHandler_TranslateCommDlgError(c.error)), c.dialog) << c.error;
+    const uint32_t cases[][3] = {// of the system, of its dialogs
+                                 {0, 0, 0},
+                                 {2, 0x8004E00A, 0x8007000E},
+                                 {5, 0x80070005, 0x8007000E},
+                                 {6, 0x80070006, 0x8004E00E},
+                                 {127, 0x8004E00A, 0x80004005},
+                                 {0x3002, 0x80004005, 0x8004E00D},
+                                 {0xFFFF, 0x80004005, 0x80070057},
+                                 {0xFFFFFFFF, 0x80004005, 0x80004005}};
+    for (const auto& [error, system, dialog] : cases) {
+        EXPECT_EQ(uint32_t(VxErrorHandler_TranslateWin32Error(error)), system) << error;
+        EXPECT_EQ(uint32_t(VxErrorHandler_TranslateCommDlgError(error)), dialog) << error;
     }
 }
 

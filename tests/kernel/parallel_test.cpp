@@ -31,13 +31,12 @@ TEST(ParallelRows, SmallFramesStayOnTheCallersThread)
 TEST(ParallelRows, WorkersTakeTheCallersFloatModeForTheCallOnly)
 {
     const unsigned before = vx::WithFloatMode::Current();
-    {
-        const vx::WithFloatMode flushing(before | 0x8040);
+    for (const unsigned mode : {before | 0x8040, before}) {
+        const vx::WithFloatMode set(mode);
         vx::ParallelRows(64, vx::kParallelBytes,
-                         [&](int32_t) { EXPECT_EQ(vx::WithFloatMode::Current(), before | 0x8040); });
+                         [&](int32_t) { EXPECT_EQ(vx::WithFloatMode::Current(), mode); });
     }
-    vx::ParallelRows(64, vx::kParallelBytes,
-                     [&](int32_t) { EXPECT_EQ(vx::WithFloatMode::Current(), before); });
+    EXPECT_EQ(vx::WithFloatMode::Current(), before);
 }
 
 } // namespace

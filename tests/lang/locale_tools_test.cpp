@@ -26,7 +26,7 @@ TEST(LocaleTools, ARebuildPublishesTheSeparatorsAndLabels)
     vx::DestroyPrintTokens();
 }
 
-TEST(LocaleTools, TheAbbreviationHasThreeLetters)
+TEST(LocaleTools, TheAbbreviationHasThreeLettersUntilTheNextRebuild)
 {
     const std::pair<const char16_t*, std::u16string> cases[] = {
         {u"DEU", u"DEU"}, {u"de", u"de"}, {u"DEUTSCH", u"DEU"}, {u"", u"ENU"}, {nullptr, u"ENU"}};
@@ -38,6 +38,10 @@ TEST(LocaleTools, TheAbbreviationHasThreeLetters)
         EXPECT_EQ(record.langIdLength, want.size());
         EXPECT_EQ(record.langIdReserved, 0u);
     }
+    VxInternationals rebuilt;
+    VxLang_GetInternationals(nullptr, 123);
+    VxLang_GetInternationals(&rebuilt, sizeof(rebuilt));
+    EXPECT_TRUE(rebuilt.langId[0] == 0 && rebuilt.langIdLength == 0);
 }
 
 TEST(LocaleTools, NamesStandInTheOrderOfTheLanguage)

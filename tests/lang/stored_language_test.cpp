@@ -22,7 +22,7 @@ uint64_t Stored(HKEY root, const std::u16string& path, const char16_t* name)
 
 TEST(StoredLanguage, IsKeptByVendorApplicationAndVersion)
 {
-    constexpr uint32_t kVersion = 12u << 24 | 3u << 16 | 0xFFFF, kMinorOnly = 3u << 16;
+    constexpr uint32_t kVersion = 200u << 24 | 131u << 16 | 0xFFFF, kMinorOnly = 3u << 16;
     constexpr const char16_t* kOwn = u"Vexmere Studio Works";
     const struct
     {
@@ -32,9 +32,11 @@ TEST(StoredLanguage, IsKeptByVendorApplicationAndVersion)
         uint16_t lcid;
         const char16_t* key;
     } cases[] = {
-        {kVersion, 0, kOwn, 0x0407, u"\\Demo\\12.3\\Lang"},     {kVersion, 1, kOwn, 0x0C0A, u"\\Demo\\Lang"},
-        {kMinorOnly, 0, kOwn, 0xFFFF, u"\\Demo\\Lang"},         {0, 0, u"Other", 0x0412, u"\\Demo\\Lang"},
-        {kVersion, 0, u"Other", 0x0411, u"\\Demo\\12.3\\Lang"},
+        {kVersion, 0, kOwn, 0x0407, u"\\Demo\\200.131\\Lang"},
+        {kVersion, 1, kOwn, 0x0C0A, u"\\Demo\\Lang"},
+        {kMinorOnly, 0, kOwn, 0xFFFF, u"\\Demo\\Lang"},
+        {0, 0, u"Other", 0x0412, u"\\Demo\\Lang"},
+        {kVersion, 0, u"Other", 0x0411, u"\\Demo\\200.131\\Lang"},
     };
     for (const auto& c : cases) {
         const bool own = c.vendor == kOwn;
@@ -56,15 +58,16 @@ TEST(StoredLanguage, TheMachinesServesWhereTheUserHasNoKey)
     EXPECT_EQ(VxSetLocale(0x0407), S_OK);
     EXPECT_EQ(Stored(HKEY_LOCAL_MACHINE, shared, u"Locale"), 0x0407u);
     uint32_t lcid = 77;
+    EXPECT_EQ(VxLang_LoadUserLCIDMetric(u"Shared Information", 0, &lcid, 0), 0);
+    EXPECT_EQ(lcid, 77u);
+    HKEY key = nullptr;
     const DWORD polish = 0x0415;
-    for (const HKEY root : {HKEY_LOCAL_MACHINE, HKEY_CURRENT_USER}) {
-        EXPECT_EQ(VxLang_LoadUserLCIDMetric(u"Shared Information", 0, &lcid, 0), root == HKEY_CURRENT_USER);
-        HKEY key = nullptr; // the user's key, without the value, then hides the machine's
-        RegCreateKeyW(root, (shared + u"\\Lang").c_str(), &key);
-        if (root == HKEY_LOCAL_MACHINE)
-            RegSetValueExW(key, u"ULangID", 0, REG_DWORD, reinterpret_cast<const BYTE*>(&polish), 4);
-        RegCloseKey(key);
-        EXPECT_EQ(lcid, root == HKEY_LOCAL_MACHINE ? 77u : polish);
-    }
+    RegCreateKeyW(HKEY_LOCAL_MACHINE, (shared + u"\\Lang").c_str(), &key);
+    RegSetValueExW(key, u"ULangID", 0, REG_DWORD, reinterpret_cast<const BYTE*>(&polish), 4);
+    RegCloseKey(key);
+    EXPECT_EQ(VxLang_LoadUserLCIDMetric(u"Shared Information", 0, &lcid, 0), 1);
+    EXPECT_EQ(lcid, polish);
+    RegCreateKeyW(HKEY_CURRENT_USER, (shared + u"\\Lang").c_str(), &key); // hides it, without a value too
+    RegCloseKey(key);
     EXPECT_EQ(VxLang_LoadUserLCIDMetric(u"Shared Information", 0, &lcid, 0), 0);
 }

@@ -8,30 +8,27 @@ using namespace vxtest;
 
 TEST(TempRing, PiecesFollowOneAnotherAndNeverLeaveTheRing)
 {
-    const struct
-    {
-        uint32_t asked, capacity;
-    } rings[] = {{0, 8192}, {1, 2048}, {2047, 2048}, {2049, 2049}, {5000, 5000}};
+    const std::pair<uint32_t, uint32_t> rings[] = {
+        {0, 8192}, {1, 2048}, {2047, 2048}, {2049, 2049}, {5000, 5000}};
     Random random(1);
-    for (const auto& ring : rings) {
-        const Handle handle(nullptr, 0, ring.asked);
+    for (const auto& [asked, capacity] : rings) {
+        const Handle handle(nullptr, 0, asked);
         EXPECT_EQ(VxGetTempStringBuffer(handle, -1), nullptr);
         EXPECT_EQ(VxGetTempStringBuffer(handle, 0x7FFFFFFF), nullptr);
         const char16_t* const start = VxGetTempStringBuffer(handle, 0);
         EXPECT_EQ(*start, u'\0');
         uint32_t position = 2;
         for (int i = 0; i < 2000; ++i) {
-            const uint32_t chars =
-                uint32_t(random.Int(0, random.Int(0, 4) ? 60 : int32_t(ring.capacity) + 2));
+            const uint32_t chars = uint32_t(random.Int(0, random.Int(0, 4) ? 60 : int32_t(capacity) + 2));
             const uint32_t taken = chars + 2 - chars % 2;
             char16_t* piece = VxGetTempStringBuffer(handle, int32_t(chars));
-            if (taken > ring.capacity) {
+            if (taken > capacity) {
                 EXPECT_EQ(piece, nullptr);
                 continue;
             }
-            if (position + 1024 > ring.capacity || position + taken > ring.capacity)
+            if (position + 1024 > capacity || position + taken > capacity)
                 position = 0;
-            ASSERT_EQ(piece - start, ptrdiff_t(position)) << ring.asked << ", " << chars;
+            ASSERT_EQ(piece - start, ptrdiff_t(position)) << asked << ", " << chars;
             std::fill_n(piece, chars + 1, u'x'); // all of it is there
             position += taken;
         }
@@ -40,16 +37,13 @@ TEST(TempRing, PiecesFollowOneAnotherAndNeverLeaveTheRing)
 
 TEST(TempRing, ConversionsKeepEveryCharacterAndTellDamage)
 {
-    const struct
-    {
-        const char* bytes;
-        const char16_t* wide;
-    } cases[] = {{"", u""}, {"plain", u"plain"}, {"é ß", u"é ß"}, {"再試行", u"再試行"}, {"𝄞a", u"𝄞a"}};
+    const std::pair<const char*, const char16_t*> cases[] = {
+        {"", u""}, {"plain", u"plain"}, {"é ß", u"é ß"}, {"再試行", u"再試行"}, {"𝄞a", u"𝄞a"}};
     const Handle handle;
-    for (const auto& c : cases) {
-        EXPECT_EQ(std::u16string(VxGetPrintFromMultiByteString(handle, c.bytes)), c.wide);
-        EXPECT_STREQ(VxGetMultiByteFromPrintString(handle, c.wide), c.bytes);
-        EXPECT_EQ(VxGetPrintFromWideString(handle, c.wide), c.wide);
+    for (const auto& [bytes, wide] : cases) {
+        EXPECT_EQ(std::u16string(VxGetPrintFromMultiByteString(handle, bytes)), wide);
+        EXPECT_STREQ(VxGetMultiByteFromPrintString(handle, wide), bytes);
+        EXPECT_EQ(VxGetPrintFromWideString(handle, wide), wide);
     }
     const char16_t half[] = {0xD800, u'a', 0};
     EXPECT_EQ(std::u16string(VxGetPrintFromMultiByteString(handle, "a\xFFz")), u"a\xFFFDz");
