@@ -58,7 +58,9 @@ int32_t VxMsgBoxSetAppData(HINSTANCE instance, HWND mainWindow, const char16_t* 
                             .hwndMain = mainWindow,
                             .hook = nullptr,
                             .hookData = 0,
-                            .appTitle = {}};
+                            .appTitle = {},
+                            .centreHook = nullptr,
+                            .centreTitle = nullptr};
     CopyCut(ViewOf(title), g_messageApplication.appTitle, VXMB_TITLE_CHARS);
     return 1;
 }

@@ -13,6 +13,8 @@ struct MessageApplication
     VXMSGBOXHOOK hook;
     intptr_t hookData;
     char16_t appTitle[VXMB_TITLE_CHARS];
+    HANDLE centreHook; // while a plain box is being made
+    const char16_t* centreTitle;
 };
 
 extern MessageApplication g_messageApplication;

@@ -14,7 +14,7 @@
 
 namespace vx {
 
-constinit RunMessageDialog g_runMessageDialog = nullptr;
+constinit DialogSteps dialogSteps;
 
 namespace {
 
@@ -43,6 +43,36 @@ private:
 
 using PlainMessage = Message<kPlainChars>;
 using CustomMessage = Message<kCustomChars>;
+
+// Has the plain box that is made while this lives centred, unless another one is being made.
+class Centring
+{
+public:
+    Centring(const char16_t* title, uint32_t type)
+    {
+        constexpr uint32_t kSystemModalError =
+            MB_SYSTEMMODAL | MB_ICONHAND; // must come up however things stand
+        MessageApplication& app = g_messageApplication;
+        if (type == kSystemModalError || app.centreHook || !dialogSteps.installCentring)
+            return;
+        app.centreTitle = title;
+        hook_ = app.centreHook = dialogSteps.installCentring();
+    }
+    ~Centring()
+    {
+        MessageApplication& app = g_messageApplication;
+        if (!hook_ || app.centreHook != hook_)
+            return;
+        dialogSteps.removeCentring(hook_);
+        app.centreHook = nullptr;
+        app.centreTitle = nullptr;
+    }
+    Centring(const Centring&) = delete;
+    Centring& operator=(const Centring&) = delete;
+
+private:
+    HANDLE hook_ = nullptr;
+};
 
 // What the caller of a custom box says beside its message.
 struct CustomBox
@@ -94,7 +124,7 @@ int32_t ShowCustom(const CustomBox& box, const char16_t* text)
     if (const int32_t answer = AskHookWithDetails(box, owner, text); answer != kNotAnswered)
         return answer;
     MessageDialog dialog = DialogOf(box, text);
-    return g_runMessageDialog ? g_runMessageDialog(g_messageApplication.hInstance, owner, dialog) : kNotMade;
+    return dialogSteps.run ? dialogSteps.run(g_messageApplication.hInstance, owner, dialog) : kNotMade;
 }
 
 int32_t ShowFormatted(const CustomBox& box, const char16_t* format, va_list arguments)
@@ -118,7 +148,9 @@ int32_t VxMessageBox(HWND owner, const char16_t* text, const char16_t* title, ui
     const char16_t* const message = text ? text : u"";
     if (const int32_t answer = AskHook(window, message, title, type); answer != kNotAnswered)
         return answer;
-    return MessageBoxW(window, message, title ? title : g_messageApplication.appTitle, type);
+    const char16_t* const caption = title ? title : g_messageApplication.appTitle;
+    const Centring centring(caption, type);
+    return MessageBoxW(window, message, caption, type);
 }
 
 int32_t VxMsgBoxF(HWND owner, uint32_t type, const char16_t* format, ...)

@@ -19,10 +19,17 @@ struct MessageDialog
     const char16_t* linkCaption;
 };
 
-// Shows the box and waits; returns the button, or -1 where the dialog could not be made.
-using RunMessageDialog = int32_t (*)(HINSTANCE instance, HWND owner, MessageDialog& dialog);
-
-// Set by the family that has dialogs. Without it none can be made.
-extern RunMessageDialog g_runMessageDialog;
+// What boxes need of windows. The family that has these puts its functions here; until then no dialog can be made, and
+// plain boxes come up where the system puts them.
+struct DialogSteps
+{
+    // Shows the box and waits; returns the button, or -1 where the dialog could not be made.
+    int32_t (*run)(HINSTANCE instance, HWND owner, MessageDialog& dialog) = nullptr;
+    // A hook on this thread that centres the next box with the application's centreTitle; null where it cannot. It clears
+    // centreHook and centreTitle when it has done that and is gone.
+    HANDLE (*installCentring)() = nullptr;
+    void (*removeCentring)(HANDLE hook) = nullptr;
+};
+extern constinit DialogSteps dialogSteps;
 
 } // namespace vx

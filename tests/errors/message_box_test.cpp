@@ -86,11 +86,11 @@ protected:
         g_dialogAnswer = 88;
         VxErrorHandler_DetailsInit();
         VxMsgBoxSetAppData(kInstance, kMainWindow, u"Editor");
-        vx::g_runMessageDialog = Dialog;
+        vx::dialogSteps.run = Dialog;
     }
     ~MessageBoxes() override
     {
-        vx::g_runMessageDialog = nullptr;
+        vx::dialogSteps = {};
         vx::g_messageApplication = {};
         VxErrorHandler_DetailsInit();
     }
@@ -272,7 +272,7 @@ TEST_F(MessageBoxes, TheHookSeesDetailsInTheTextTheDialogBesideIt)
 
 TEST_F(MessageBoxes, WithoutADialogNoneCanBeMade)
 {
-    vx::g_runMessageDialog = nullptr;
+    vx::dialogSteps = {};
     EXPECT_EQ(VxMsgBox_CustomNoF(nullptr, 4, nullptr, u"x"), -1);
 }
 
@@ -325,6 +325,31 @@ TEST_F(MessageBoxes, WithoutADesktopThePlainBoxFailsAndSaysWhatItWas)
     VxPlatform_SetDebugOutput(nullptr, nullptr);
     EXPECT_EQ(VxMsgBoxNoF(nullptr, 10, u"x"), 0);
     EXPECT_EQ(GetLastError(), ERROR_INVALID_MSGBOX_STYLE);
+}
+
+TEST_F(MessageBoxes, PlainBoxesAreCentredWhileTheyAreMade)
+{
+    setenv("VX_DISPLAY", "headless", 1);
+    static std::u16string log;
+    static HANDLE next;
+    log.clear();
+    next = &log;
+    vx::dialogSteps.installCentring = [] {
+        log += std::u16string(u"+") + vx::g_messageApplication.centreTitle;
+        return next;
+    };
+    vx::dialogSteps.removeCentring = [](HANDLE hook) { log += hook == &log ? u"-" : u"?"; };
+    VxMsgBoxNoF(nullptr, 1, u"x");
+    EXPECT_EQ(log, u"+Editor-");
+    VxMessageBox(nullptr, u"x", u"Own", 0x1010); // the system-modal error
+    EXPECT_EQ(log, u"+Editor-");
+    VxMessageBox(nullptr, u"x", u"Own", 0x1011);
+    EXPECT_EQ(log, u"+Editor-+Own-");
+    next = nullptr; // no hook to be had
+    VxMessageBox(nullptr, u"x", u"Own", 1);
+    vx::g_messageApplication.centreHook = &next; // another box is being made
+    VxMessageBox(nullptr, u"x", u"Own", 1);
+    EXPECT_EQ(log, u"+Editor-+Own-+Own");
 }
 
 } // namespace
