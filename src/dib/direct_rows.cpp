@@ -271,7 +271,7 @@ void FloatToBytesRowVector(uint8_t* dest, const uint8_t* source, int32_t width, 
     const Bytes16 bytes;
     const float* const dither = DitherOf(y);
     int32_t x = 0;
-    if constexpr (levels != Levels::Picked)
+    if constexpr (use == CurveUse::None) // tables are looked up for fewer lanes at a time
         x = WriteWholeLevels<levels, use, channels>(dest, source, width, dither, curve);
     constexpr int32_t kReach = channels == 3 ? kPixelsOf16Bytes : 4;
     const auto block = [&](int64_t at) HWY_ATTR {

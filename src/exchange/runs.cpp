@@ -298,9 +298,11 @@ private:
         const Lanes32 lanes;
         const auto part = [&](Vector32 v, uint32_t mask)
                               HWY_ATTR { return hn::And(v, hn::Set(lanes, mask)); };
-        const auto tens = hn::Or(
-            hn::Or(part(hn::ShiftLeft<2>(word), 0xFFu << 2), part(hn::ShiftLeft<4>(word), 0xFFu << 12)),
-            hn::Or(part(hn::ShiftLeft<6>(word), 0xFFu << 22), part(word, 3u << 30)));
+        const hn::Repartition<uint16_t, Lanes32> halves;
+        const auto blueAndRed = hn::BitCast(halves, part(word, 0x00FF00FF));
+        const auto factors = hn::BitCast(halves, hn::Set(lanes, 1u << 2 | 1u << 20));
+        const auto green = hn::ShiftLeft<4>(part(word, 0xFF00)), alpha = part(word, 3u << 30);
+        const auto tens = hn::Or(hn::BitCast(lanes, hn::Mul(blueAndRed, factors)), hn::Or(green, alpha));
         if constexpr (kWidening != Widening::Double)
             return tens;
         return hn::Or(
