@@ -59,12 +59,8 @@ HWY_INLINE void ReadBytes(uint32_t* __restrict out, const uint8_t* __restrict p,
     const ReadContext context = ReadContextOf(x);
     if constexpr (TheCodec::kShape == Shape::Channels) {
         std::memcpy(out, p, size_t(n) * sizeof(*out));
-    } else if constexpr (TheCodec::kShape == Shape::Palette) {
-        ReadWords<TheCodec, Steps>(out, p, n, context);
-    } else if constexpr (TheCodec::kBits == 24) {
-        ReadWords<TheCodec, Steps>(out, p, n, context);
-        for (int32_t i = 0; i < n; ++i)
-            out[i] |= kOpaqueBytes;
+    } else if constexpr (TheCodec::kShape == Shape::Palette || TheCodec::kBits == 24) {
+        ReadWords<TheCodec, Steps>(out, p, n, context); // which are opaque
     } else if constexpr (TheCodec::kShape == Shape::Word && TheCodec::kBits == 16) {
         Steps::template BytesOfFields<TheCodec>(out, p, 0, n);
     } else if constexpr (kWordsStand<TheCodec>) {

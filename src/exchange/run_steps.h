@@ -69,7 +69,7 @@ struct PlainSteps
     static void Load24(uint32_t* words, const uint8_t* p, int32_t first, int32_t n)
     {
         for (int32_t i = first; i < n; ++i)
-            words[i] = Memory<24, uint32_t>::Load(p + 3 * i, 0);
+            words[i] = Memory<24, uint32_t>::Load(p + 3 * i, 0) | kOpaqueBytes;
     }
     static void Store24(uint8_t* p, const uint32_t* words, int32_t first, int32_t n)
     {

@@ -190,9 +190,11 @@ struct VectorSteps
     }
     static void Load24(uint32_t* words, const uint8_t* p, int32_t, int32_t n)
     {
+        const auto opaque = hn::BitCast(Lanes8(), hn::Set(Lanes32(), kOpaqueBytes));
         int32_t i = 0;
         for (; i + kReach24 <= n; i += kPixels24)
-            hn::StoreU(LoadPixels24(p + 3 * i), Lanes8(), reinterpret_cast<uint8_t*>(words + i));
+            hn::StoreU(hn::Or(LoadPixels24(p + 3 * i), opaque), Lanes8(),
+                       reinterpret_cast<uint8_t*>(words + i));
         PlainSteps::Load24(words, p, i, n);
     }
     static void Store24(uint8_t* p, const uint32_t* words, int32_t, int32_t n)
