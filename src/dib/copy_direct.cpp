@@ -33,17 +33,35 @@ struct PathCurve
     }
 };
 
-void RunRows(const CopyJob& job, DirectRowFn row, const VxTransferCurve& curve, int64_t cost)
+// Rows that follow each other in both bitmaps without a gap are worked as one, up to so many bytes of it, by what does
+// the same to each.
+constexpr int64_t kJoinedBytes = 64 * 1024;
+
+int32_t JoinedRows(const CopyJob& job)
+{
+    const bool gapless = job.dest.stride == job.dest.RowBytes() && job.source.stride == job.source.RowBytes();
+    return gapless ? int32_t(std::max<int64_t>(kJoinedBytes / job.dest.RowBytes(), 1)) : 1;
+}
+
+enum class Rows
+{
+    Alike,
+    Differ, // in their dither
+};
+
+void RunRows(const CopyJob& job, DirectRowFn row, const VxTransferCurve& curve, Rows rows, int64_t cost)
 {
     const int64_t bytes = (job.dest.AllBytes() + job.source.AllBytes()) * cost;
-    ParallelRows(job.dest.height, bytes, [&job, &curve, row](int32_t y) {
-        row(job.dest.Bytes(y), job.source.Bytes(y), job.dest.width, y, curve);
+    const int32_t joined = rows == Rows::Alike ? JoinedRows(job) : 1;
+    ParallelRows((job.dest.height - 1) / joined + 1, bytes, [&job, &curve, row, joined](int32_t i) {
+        const int32_t y = i * joined, count = std::min(joined, job.dest.height - y);
+        row(job.dest.Bytes(y), job.source.Bytes(y), job.dest.width * count, y, curve);
     });
 }
 
-void RunRows(const CopyJob& job, DirectRowFn row, const PathCurve& path)
+void RunRows(const CopyJob& job, DirectRowFn row, const PathCurve& path, Rows rows = Rows::Alike)
 {
-    RunRows(job, row, path.curve, path.use == CurveUse::None ? 1 : kTableCost);
+    RunRows(job, row, path.curve, rows, path.use == CurveUse::None ? 1 : kTableCost);
 }
 
 void CopyBytes(const CopyJob& job)
@@ -106,7 +124,7 @@ void FloatsToBytes(const CopyJob& job, VxTransferCurve& curve, int32_t channels)
     const bool fine = QualityOf(job.flags) >= kFineQuality;
     if (fine) {
         const PathCurve path(curve, BuildFloatTable, kByteEntries);
-        RunRows(job, SelectFloatToBytes(Levels::Dithered, path.use, channels), path);
+        RunRows(job, SelectFloatToBytes(Levels::Dithered, path.use, channels), path, Rows::Differ);
         return;
     }
     const PathCurve path(curve, BuildByteTable, kPickEntries);
@@ -144,10 +162,12 @@ bool CopyDirect(const CopyJob& job, Exchange& exchange)
     else if (from && toFloats)
         BytesToFloats(job, x.destCurve, from);
     else if (from == 3 && to == 4)
-        RunRows(job, SelectBytes3To4(), x.sourceCurve, 1);
+        RunRows(job, SelectBytes3To4(), x.sourceCurve, Rows::Alike, 1);
     else if (from == 4 && to == 3)
-        RunRows(job, SelectBytes4To3(), x.sourceCurve, 1);
+        RunRows(job, SelectBytes4To3(), x.sourceCurve, Rows::Alike, 1);
     else if (job.dest.bits > 8 && (x.sourceType == x.destType || (from == 4 && to == 4)))
+        CopyBytes(job);
+    else if (IsSmallGray(x) && job.dest.bits == 8)
         CopyBytes(job);
     else if (IsSmallGray(x) && job.dest.left % 8 == job.source.left % 8)
         CopyBitRows(job);
