@@ -302,7 +302,7 @@ private:
                               HWY_ATTR { return hn::And(v, hn::Set(lanes, mask)); };
         const hn::Repartition<uint16_t, Lanes32> halves;
         const auto blueAndRed = hn::BitCast(halves, part(word, 0x00FF00FF));
-        const auto factors = hn::BitCast(halves, hn::Set(lanes, 1u << 2 | 1u << 20));
+        const auto factors = hn::BitCast(halves, hn::Set(lanes, 1u << 2 | 1u << 22));
         const auto green = hn::ShiftLeft<4>(part(word, 0xFF00)), alpha = part(word, 3u << 30);
         const auto tens = hn::Or(hn::BitCast(lanes, hn::Mul(blueAndRed, factors)), hn::Or(green, alpha));
         if constexpr (kWidening != Widening::Double)
