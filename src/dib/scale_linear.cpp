@@ -182,14 +182,19 @@ struct Columns
 private:
     void PrepareVector(int32_t k, int32_t sourceSize)
     {
-        const auto pixel = [&](int32_t i) { return place[k + i] / BytePixel::kBytes; };
-        const int32_t first = std::min(pixel(0), sourceSize - kLanes), last = pixel(kVectorPixels - 1);
+        int32_t pixel[kVectorPixels];
+        for (int32_t i = 0; i < kVectorPixels; ++i)
+            pixel[i] = place[k + i] >> 2;
+        const int32_t first = std::min(pixel[0], sourceSize - kLanes), last = pixel[kVectorPixels - 1];
         const bool fits =
             kVectorPixels > 1 && first >= 0 && std::min(last + 1, sourceSize - 1) - first < kLanes;
         window[k / kVectorPixels] = fits ? BytePixel::kBytes * first : -1;
-        for (int32_t i = 0; fits && i < kLanes; ++i)
-            lane[4 * k + i] = uint8_t(std::min(pixel(i / 4) - first + i % 2, kLanes - 1));
         atEnd[k / kGroup] = atEnd[k / kGroup] || (!fits && last + 4 > sourceSize);
+        for (int32_t i = 0; fits && i < kVectorPixels; ++i) {
+            const int32_t here = pixel[i] - first, next = std::min(here + 1, kLanes - 1);
+            const uint8_t lanes[4] = {uint8_t(here), uint8_t(next), uint8_t(here), uint8_t(next)};
+            std::memcpy(lane + 4 * (k + i), lanes, sizeof(lanes));
+        }
     }
 };
 
