@@ -510,6 +510,8 @@ void ScaleBox(const ScaleJob& job, int32_t bytesPerPixel)
 {
     if (bytesPerPixel == FloatPixel::kBytes)
         Box<FloatPixel, double>(job, VX_VECTOR_FORM(BoxFloatRow, (BoxRow<FloatPixel, double>)), false);
+    else if (ScaleBoxByUnits(job))
+        return;
     else if (WidestSpan(job.x) * WidestSpan(job.y) * kSubpixelOne * 255 < kNarrowSums)
         BoxBytes<uint32_t>(job, true);
     else

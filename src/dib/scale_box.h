@@ -134,4 +134,8 @@ inline ScaleJobFn ChooseBoxForm(const ScaleAxis& box, double most, ScaleJobFn ve
     return WidestSpan(box) * kSubpixelOne * 255 * most < kNarrowSums ? narrow : wide;
 }
 
+// Works a job of bytes whose boxes are few halves or quarters of pixels, and whose pixels are all covered
+// whole; false leaves any other job alone.
+bool ScaleBoxByUnits(const ScaleJob& job);
+
 } // namespace vx

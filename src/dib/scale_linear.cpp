@@ -145,19 +145,21 @@ namespace vx {
 namespace HWY_NAMESPACE {
 namespace {
 
-// Columns are worked in groups of four vectors, of which vector j has every fourth pixel from the j-th on.
-// The bytes of the four then come together in each block of 16 bytes.
+// Columns are worked in groups of four vectors, whose bytes come together in one.
 constexpr int32_t kGroup = 4 * kVectorPixels;
 
 // 1.5 * 2^23, as the bits of a float. A float so large has an integer in its low bits.
 constexpr int32_t kIntegerFloat = 0x4B400000;
 constexpr int32_t kHalf = kSubpixelOne / 2;
 
-// A strip's columns for the vectors, in groups. Columns behind the last one repeat it.
+// A strip's columns for the vectors, in groups. Columns behind the last one repeat it. Where what a vector
+// samples lies close together it comes by one load, its window, and a shuffle.
 struct Columns
 {
-    HWY_ALIGN int32_t weights[kStripColumns]; // a pair of 16-bit ones a pixel, vector by vector
-    int32_t place[kStripColumns];             // of the source pixel, in bytes
+    HWY_ALIGN int32_t weights[kStripColumns];      // a pair of 16-bit ones a pixel
+    int32_t place[kStripColumns];                  // of the source pixel, in bytes
+    int32_t window[kStripColumns / kVectorPixels]; // in bytes, -1 where there is none
+    uint8_t lane[4 * kStripColumns];               // of the window, two pairs of neighbours a pixel
     int32_t groups;
     int32_t fetchStep;                  // bytes of a row from one place to fetch to the next
     bool atEnd[kStripColumns / kGroup]; // fewer than 16 bytes are left in the source row from some place on
@@ -167,34 +169,62 @@ struct Columns
           fetchStep(std::max(64, BytePixel::kBytes * (axis.step >> kSubpixelBits)))
     {
         for (int32_t k = 0; k < groups * kGroup; ++k) {
-            const LinearTaps taps = strip.Taps(std::min(k, strip.count - 1));
-            const int32_t ofNext = taps.next == taps.here ? 0 : taps.fraction;
-            weights[InVectors(k)] = (kSubpixelOne - ofNext) | ofNext << 16;
-            place[k] = BytePixel::kBytes * taps.here;
-            bool& end = atEnd[k / kGroup];
-            end = (k % kGroup != 0 && end) || taps.here + 4 > axis.sourceSize;
+            const int32_t at = std::min(k, strip.count - 1), here = strip.here[at];
+            const int32_t ofNext = strip.next[at] == here ? 0 : strip.Taps(at).fraction;
+            weights[k] = (kSubpixelOne - ofNext) | ofNext << 16;
+            place[k] = BytePixel::kBytes * here;
         }
+        std::fill_n(atEnd, groups, false);
+        for (int32_t k = 0; k < groups * kGroup; k += kVectorPixels)
+            PrepareVector(k, axis.sourceSize);
     }
 
-    // Where column k stands when vectors follow each other.
-    static int32_t InVectors(int32_t k)
+private:
+    void PrepareVector(int32_t k, int32_t sourceSize)
     {
-        const int32_t inGroup = k % kGroup;
-        return k - inGroup + inGroup % 4 * kVectorPixels + inGroup / 4;
+        int32_t pixel[kVectorPixels];
+        for (int32_t i = 0; i < kVectorPixels; ++i)
+            pixel[i] = place[k + i] >> 2;
+        const int32_t first = std::min(pixel[0], sourceSize - kLanes), last = pixel[kVectorPixels - 1];
+        const bool fits =
+            kVectorPixels > 1 && first >= 0 && std::min(last + 1, sourceSize - 1) - first < kLanes;
+        window[k / kVectorPixels] = fits ? BytePixel::kBytes * first : -1;
+        atEnd[k / kGroup] = atEnd[k / kGroup] || (!fits && last + 4 > sourceSize);
+        for (int32_t i = 0; fits && i < kVectorPixels; ++i) {
+            const int32_t here = pixel[i] - first, next = std::min(here + 1, kLanes - 1);
+            const uint8_t lanes[4] = {uint8_t(here), uint8_t(next), uint8_t(here), uint8_t(next)};
+            std::memcpy(lane + 4 * (k + i), lanes, sizeof(lanes));
+        }
     }
 };
 
 void MixGroupAtEnd(float* line, const uint8_t* row, const Columns& columns, int32_t group)
 {
     for (int32_t k = group * kGroup; k < (group + 1) * kGroup; ++k) {
-        const int32_t weights = columns.weights[Columns::InVectors(k)];
+        const int32_t weights = columns.weights[k];
         const uint8_t* const here = row + columns.place[k];
         const uint8_t* const next = weights >> 16 ? here + BytePixel::kBytes : here;
         for (int32_t c = 0; c < 4; ++c) {
             const int32_t mixed = here[c] * (weights & 0xFFFF) + next[c] * (weights >> 16);
-            line[4 * Columns::InVectors(k) + c] = float(mixed + kHalf + 3 * (1 << 22));
+            line[4 * k + c] = float(mixed + kHalf + 3 * (1 << 22));
         }
     }
+}
+
+// The blocks of a vector's pixels, each starting with the pixel and its neighbour.
+HWY_INLINE hn::Vec<Bytes> Neighbours(const uint8_t* row, const Columns& columns, int32_t k)
+{
+    if constexpr (kVectorPixels > 1) {
+        const int32_t window = columns.window[k / kVectorPixels];
+        if (HWY_LIKELY(window >= 0)) {
+            const Ints ints;
+            const auto pixels = hn::LoadU(ints, reinterpret_cast<const int32_t*>(row + window));
+            const auto lanes =
+                hn::PromoteTo(ints, hn::LoadU(hn::Rebind<uint8_t, Ints>(), columns.lane + 4 * k));
+            return hn::BitCast(Bytes(), hn::TableLookupLanes(pixels, hn::IndicesFromVec(ints, lanes)));
+        }
+    }
+    return GatherBlocks<1>(Bytes(), row, columns.place + k, 1);
 }
 
 // Mixes the columns of a row into a line of integers, in units of 1/16384 and half a unit of the result
@@ -216,12 +246,11 @@ void MixColumns(float* line, const uint8_t* row, const uint8_t* rowAfter, const 
         for (int32_t place = columns.place[at]; place <= columns.place[at + kGroup - 1];
              place += columns.fetchStep)
             hwy::Prefetch(rowAfter + place);
-        for (int32_t j = 0; j < 4; ++j) {
-            const auto pixels = GatherBlocks<4>(bytes, row, columns.place + at + j, 1);
-            const auto words = hn::BitCast(Words(), hn::TableLookupBytesOr0(pixels, pairs));
-            const auto weights = hn::BitCast(Words(), SpreadPixels(columns.weights + at + j * kVectorPixels));
-            hn::Store(hn::BitCast(Floats(), AddMulPairs(start, words, weights)), Floats(),
-                      line + 4 * at + j * kLanes);
+        for (int32_t k = at; k < at + kGroup; k += kVectorPixels) {
+            const auto words =
+                hn::BitCast(Words(), hn::TableLookupBytesOr0(Neighbours(row, columns, k), pairs));
+            const auto weights = hn::BitCast(Words(), SpreadPixels(columns.weights + k));
+            hn::Store(hn::BitCast(Floats(), AddMulPairs(start, words, weights)), Floats(), line + 4 * k);
         }
     }
 }
@@ -263,18 +292,32 @@ HWY_INLINE hn::Vec<Ints> InDoubtWhereZero(hn::Vec<Ints> mixed)
     return hn::And(mixed, hn::Set(Ints(), kSubpixelOne - 2));
 }
 
+// Pixels whose bytes stand in the order of the group's vectors go to their places.
+HWY_INLINE hn::Vec<Bytes> InOrder(hn::Vec<Ints> channels)
+{
+    alignas(16) static constexpr uint8_t kPixels[16] = {0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15};
+    const auto pixels =
+        hn::TableLookupBytes(hn::BitCast(Bytes(), channels), hn::LoadDup128(Bytes(), kPixels));
+    if constexpr (kVectorPixels == 1) {
+        return pixels;
+    } else {
+        HWY_ALIGN int32_t from[kLanes];
+        for (int32_t i = 0; i < kLanes; ++i)
+            from[i] = i % kVectorPixels * 4 + i / kVectorPixels;
+        return hn::BitCast(
+            Bytes(), hn::TableLookupLanes(hn::BitCast(Ints(), pixels), hn::SetTableIndices(Ints(), from)));
+    }
+}
+
 // Writes a group's pixels; false where some are in doubt.
 HWY_INLINE bool MixGroup(uint8_t* dest, const LinePair& lines, int32_t at)
 {
     const Ints ints;
-    const Bytes bytes;
-    alignas(16) static constexpr uint8_t kPixels[16] = {0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15};
     const auto a = MixLines(lines, at), b = MixLines(lines, at + kLanes),
                c = MixLines(lines, at + 2 * kLanes), d = MixLines(lines, at + 3 * kLanes);
     const auto channels =
         hn::Or(hn::Or(TakeByte<0>(a), TakeByte<1>(b)), hn::Or(TakeByte<2>(c), TakeByte<3>(d)));
-    hn::StoreU(hn::TableLookupBytes(hn::BitCast(bytes, channels), hn::LoadDup128(bytes, kPixels)), bytes,
-               dest);
+    hn::StoreU(InOrder(channels), Bytes(), dest);
     const auto nearest = hn::Min(hn::Min(InDoubtWhereZero(a), InDoubtWhereZero(b)),
                                  hn::Min(InDoubtWhereZero(c), InDoubtWhereZero(d)));
     return lines.exact || hn::AllFalse(ints, hn::Eq(nearest, hn::Zero(ints)));
@@ -290,7 +333,7 @@ HWY_NOINLINE void SettleDoubts(uint8_t* dest, const LinePair& lines, const RowPa
         uint8_t inDoubt[8]{};
         hn::StoreMaskBits(ints, hn::Eq(InDoubtWhereZero(mixed), hn::Zero(ints)), inDoubt);
         for (int32_t i = 0; i < kVectorPixels; ++i) {
-            const int32_t k = 4 * i + j;
+            const int32_t k = kVectorPixels * j + i;
             if ((inDoubt[i / 2] >> (i % 2 * 4) & 15) != 0 && group + k < strip.count)
                 WriteMixed<BytePixel>(dest + BytePixel::kBytes * k, rows, strip.Taps(group + k));
         }

@@ -161,6 +161,38 @@ TEST(Scale, GivesTheModelForAnyRatio)
             }
 }
 
+// Boxes of few halves or quarters of pixels have a way of their own; the last pairs are just beyond it.
+TEST(Scale, EvenBoxesGiveTheModel)
+{
+    Random random(5);
+    const std::vector<VectorLevel> levels = AllLevels();
+    constexpr struct
+    {
+        SIZE from, to;
+    } kPairs[] = {{{57, 21}, {38, 14}}, {{84, 36}, {21, 9}},    {{4200, 6}, {1400, 4}}, {{128, 10}, {2, 5}},
+                  {{6, 128}, {3, 2}},   {{110, 30}, {44, 24}},  {{70, 77}, {20, 7}},    {{33, 22}, {3, 2}},
+                  {{130, 4}, {2, 2}},   {{168, 15}, {149, 10}}, {{96, 24}, {8, 2}}};
+    for (const auto& pair : kPairs)
+        for (int32_t i = 0; i < 6; ++i) {
+            ScaleCall call;
+            call.area = true;
+            call.subPixel = i > 2; // from halves of pixels on
+            Frames frames(pair.from, pair.to, call, kAllRows[i % 3], random);
+            if (i % 2 == 0) // many halves, or the largest sums
+                for (int32_t y = 0; y < pair.from.cy; ++y)
+                    for (int32_t k = 0; k < 4 * pair.from.cx; ++k)
+                        frames.source.Set(k, y, uint8_t(random.Int(0, 1) * (i == 0 ? 1 : 255)));
+            if (call.subPixel) { // a column less, from a half on
+                const int32_t right = pair.from.cx - pair.from.cx / pair.to.cx, bottom = pair.from.cy;
+                call.sourceRect = RECT{kOne / 2, 0, right * kOne + kOne / 2, bottom * kOne};
+                call.destRect = RECT{0, 0, (pair.to.cx - 1) * kOne, pair.to.cy * kOne};
+            }
+            ExpectModel(call, frames, levels);
+            if (HasFatalFailure())
+                return;
+        }
+}
+
 // Pictures of few values, mixed at halves and quarters, stand on roundings: there the estimates of
 // vector forms must give way.
 TEST(Scale, LinearTiesGiveTheModel)
