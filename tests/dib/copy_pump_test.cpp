@@ -1,5 +1,6 @@
 // Every pump of VxDibCopy against the slow model, on random pictures, rectangles and flags.
 #include "support/copy_model.h"
+#include "support/vector_levels.h"
 #include "vx/scale.h"
 
 #include <gtest/gtest.h>
@@ -93,6 +94,22 @@ TEST(DibCopy, EveryPairOfTypesByEveryPump)
         ExpectModel(dest, source, a);
         if (HasFatalFailure())
             return;
+    }
+}
+
+// Rows that are long enough for whole vectors, from a byte on and from within one.
+TEST(DibCopy, EveryPairOfTypesInEveryForm)
+{
+    for (const VectorLevel& level : VectorLevels()) {
+        const OnlyLevel only(level);
+        for (int32_t i = 0; i < kTypes * kTypes * 4; ++i) {
+            Random random{uint64_t(i)};
+            const int32_t width = random.Int(16, 90), left = i % 4 == 3 ? 3 : 8 * (i % 2), pair = i / 4;
+            const Picture dest(16 + pair / kTypes, width + left, 2, Rows::Tight, random);
+            const Picture source(16 + pair % kTypes, width, 2, Rows::Negative, random);
+            ExpectModel(dest, source, {RECT{left, 0, left + width, 2}, {}, i % 4 < 2 ? 1u : 4u});
+            ASSERT_FALSE(HasFatalFailure()) << level.name;
+        }
     }
 }
 
