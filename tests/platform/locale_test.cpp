@@ -132,9 +132,9 @@ TEST(Locale, NamesAndLcidsGoBothWays)
 
 TEST(Locale, ValuesOfTheLocales)
 {
-    constexpr LCTYPE kTexts[] = {LOCALE_SDECIMAL,      LOCALE_STHOUSAND,    LOCALE_SGROUPING,
-                                 LOCALE_SNEGATIVESIGN, LOCALE_SLIST,        LOCALE_SDATE,
-                                 LOCALE_STIME,         LOCALE_SENGLANGUAGE, LOCALE_SENGCOUNTRY};
+    static constexpr LCTYPE kTexts[] = {LOCALE_SDECIMAL,      LOCALE_STHOUSAND,    LOCALE_SGROUPING,
+                                        LOCALE_SNEGATIVESIGN, LOCALE_SLIST,        LOCALE_SDATE,
+                                        LOCALE_STIME,         LOCALE_SENGLANGUAGE, LOCALE_SENGCOUNTRY};
     const struct
     {
         LCID lcid;
