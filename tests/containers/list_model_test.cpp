@@ -11,9 +11,7 @@ using namespace vxtest;
 
 int32_t WholeSteps(int32_t slots, int32_t step)
 {
-    while (slots % step != 0)
-        ++slots;
-    return slots;
+    return slots % step ? WholeSteps(slots + 1, step) : slots;
 }
 
 class Model
@@ -46,8 +44,6 @@ public:
 
 private:
     int32_t Count() const { return int32_t(want_.size()); }
-    // Few values, so that many items are equal.
-    int64_t Value() { return random_.Int(1, 40); }
     size_t Place(int32_t index) const { return size_t(index < 0 || index > Count() ? Count() : index); }
 
     void ExpectRoomFor(int32_t more)
@@ -60,10 +56,10 @@ private:
     {
         last_ = "insert";
         const int32_t index = random_.Int(-2, Count() + 2);
-        std::vector<int64_t> values(size_t(random_.Int(0, 3) ? random_.Int(0, 3) : random_.Int(0, 40)));
+        std::vector<int64_t> values(size_t(random_.Int(0, random_.Int(0, 3) ? 3 : 40)));
         for (int64_t& value : values)
-            value = Value();
-        if (kind_.IsHeap()) // one by one, so the room grows one by one
+            value = random_.Int(1, 40); // few values: many items are equal
+        if (kind_.IsHeap())             // one by one, so the room grows one by one
             for (size_t i = 0; i < values.size(); ++i) {
                 ExpectRoomFor(1);
                 want_.insert(want_.begin() + int64_t(Place(index < 0 ? -1 : index + int32_t(i))), values[i]);
@@ -87,7 +83,7 @@ private:
         const auto at = want_.begin() + int64_t(Place(index));
         std::vector<int64_t> values;
         for (int32_t i = 0; i < n; ++i) {
-            values.push_back(Value());
+            values.push_back(random_.Int(1, 40));
             slots[i] = kind_.IsHeap() ? std::memcpy(std::malloc(8), &values.back(), 8)
                                       : reinterpret_cast<void*>(intptr_t(values.back()));
         }

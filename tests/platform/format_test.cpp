@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <gtest/gtest.h>
 #include <string>
+#include <tuple>
 #include <vector>
 
 using namespace vxtest;
@@ -29,11 +30,6 @@ std::string Narrow(const std::u16string& text)
 VxFormatValue Integer(uint64_t value)
 {
     return {.kind = VxFormatKind_Integer, .as = {.integer = value}};
-}
-
-VxFormatValue Double(double value)
-{
-    return {.kind = VxFormatKind_Double, .as = {.number = value}};
 }
 
 VxFormatValue Text(const void* text)
@@ -88,41 +84,29 @@ std::string ByTheCLibrary(const std::string& conversion, Arguments... arguments)
     return {text, size_t(length)};
 }
 
-// Of every length, around 0 and the ends of ranges, and arbitrary bits.
+// Arbitrary bits; halves in every place, and 0.
 double RandomDouble(Random& random)
 {
-    switch (random.Int(0, 4)) {
-    case 0:
-        return double(random.Int(-1000000, 1000000)) / 64;
-    case 1:
-        return double(random.Int(-9999, 9999)) / 1000;
-    case 2:
-        return double(random.Int(-1, 1)) / 2;
-    case 3: // halves in every place
-        return double(random.Int(0, 99999) * 10 + 5) / double(uint64_t(1) << random.Int(0, 50));
-    default:
+    if (random.Int(0, 1))
         return std::bit_cast<double>(random.Next());
-    }
+    const int32_t fives = random.Int(0, 3) ? random.Int(-99999, 99999) : random.Int(-1, 1);
+    return double(fives) * 5 / double(uint64_t(1) << random.Int(0, 50));
 }
 
 } // namespace
 
 TEST(FormatValue, IntegersAreThoseOfTheCLibrary)
 {
-    struct SizeName
-    {
-        const char *ours, *libraries;
-    };
-    constexpr SizeName kSizes[] = {{"", ""},      {"h", "h"},  {"hh", "hh"}, {"l", ""},   {"L", ""},
-                                   {"I64", "ll"}, {"I32", ""}, {"I", "ll"},  {"ll", "ll"}};
+    constexpr const char* kSizes[][2] = {{"", ""},      {"h", "h"},  {"hh", "hh"}, {"l", ""},   {"L", ""},
+                                         {"I64", "ll"}, {"I32", ""}, {"I", "ll"},  {"ll", "ll"}}; // ours, its
     Random random;
     for (int i = 0; i < 100000; ++i) {
         const std::string front = "%" + RandomFlags(random) + RandomWidthAndPrecision(random, 45);
-        const SizeName& size = kSizes[random.Int(0, 8)];
+        const auto& [ours, its] = kSizes[random.Int(0, 8)];
         const char letter = "diuxXo"[random.Int(0, 5)];
         const uint64_t value = random.Int(0, 3) == 0 ? 0 : random.Next() >> random.Int(0, 63);
-        const std::string want = ByTheCLibrary(front + size.libraries + letter, value);
-        ASSERT_NO_FATAL_FAILURE(ExpectFormats(random, front + size.ours + letter, Integer(value), want));
+        const std::string want = ByTheCLibrary(front + its + letter, value);
+        ASSERT_NO_FATAL_FAILURE(ExpectFormats(random, front + ours + letter, Integer(value), want));
     }
 }
 
@@ -135,8 +119,9 @@ TEST(FormatValue, DoublesAreThoseOfTheCLibrary)
                                        RandomWidthAndPrecision(random, mostPrecision) +
                                        "eEfgG"[random.Int(0, 4)];
         const double value = RandomDouble(random);
-        ASSERT_NO_FATAL_FAILURE(
-            ExpectFormats(random, conversion, Double(value), ByTheCLibrary(conversion, value)))
+        ASSERT_NO_FATAL_FAILURE(ExpectFormats(random, conversion,
+                                              {.kind = VxFormatKind_Double, .as = {.number = value}},
+                                              ByTheCLibrary(conversion, value)))
             << value;
     }
 }
@@ -173,7 +158,8 @@ TEST(FormatValue, TextsAreNotReadBehindTheirPrecision)
 
 TEST(FormatValue, WhatIsNoConversionWritesNothing)
 {
-    const VxFormatValue integer = Integer(5), text = Text(u"text"), number = Double(1.5);
+    const VxFormatValue integer = Integer(5), text = Text(u"text"),
+                        number{.kind = VxFormatKind_Double, .as = {.number = 1.5}};
     const struct
     {
         const char16_t* conversion;
@@ -192,18 +178,8 @@ TEST(FormatValue, WhatIsNoConversionWritesNothing)
 
 namespace {
 
-struct Message
-{
-    std::u16string text;
-    DWORD length;
-    DWORD error;
-    bool operator==(const Message&) const = default;
-};
-
-void PrintTo(const Message& message, std::ostream* out)
-{
-    *out << Narrow(message.text) << ", length " << message.length << ", error " << message.error;
-}
+// A text, its length, the error.
+using Message = std::tuple<std::u16string, DWORD, DWORD>;
 
 Message Fill(DWORD size, const char16_t* source, ...)
 {
@@ -249,10 +225,9 @@ TEST(FormatMessage, EveryCapacity)
 {
     const std::u16string whole = u"a text, 00012\r\n";
     for (DWORD size = 0; size <= whole.size() + 1; ++size) {
-        Message want = size > whole.size() ? Filled(whole) : Refused(ERROR_INSUFFICIENT_BUFFER);
-        if (size == 0)
-            want.text = std::u16string(100, u'#');
-        EXPECT_EQ(Fill(size, u"a %1, %2!05d!%n", u"text", 12), want) << size;
+        const Message cut(size ? u"" : std::u16string(100, u'#'), 0, ERROR_INSUFFICIENT_BUFFER);
+        EXPECT_EQ(Fill(size, u"a %1, %2!05d!%n", u"text", 12), size > whole.size() ? Filled(whole) : cut)
+            << size;
     }
 }
 

@@ -156,24 +156,21 @@ TEST_F(Modules, FailuresSayWhy)
     folder.Write("empty.dll", {});
     folder.Write("broken.so", {0x7F, 'E', 'L', 'F'});
     folder.Write("folder.dll/file", {});
-    const std::pair<const char16_t*, DWORD> rows[] = {
-        {u"missing", ERROR_MOD_NOT_FOUND},    {u"missing.dll", ERROR_MOD_NOT_FOUND},
-        {u"text", ERROR_BAD_EXE_FORMAT},      {u"text.", ERROR_MOD_NOT_FOUND},
-        {u"empty.dll", ERROR_BAD_EXE_FORMAT}, {u"broken.so", ERROR_MOD_NOT_FOUND},
-        {u"folder.dll", ERROR_ACCESS_DENIED},
+    const std::u16string drive = folder.DrivePath(u"");
+    const std::pair<std::u16string, DWORD> rows[] = {
+        {drive + u"missing", ERROR_MOD_NOT_FOUND},     {drive + u"missing.dll", ERROR_MOD_NOT_FOUND},
+        {drive + u"text", ERROR_BAD_EXE_FORMAT},       {drive + u"text.", ERROR_MOD_NOT_FOUND},
+        {drive + u"empty.dll", ERROR_BAD_EXE_FORMAT},  {drive + u"broken.so", ERROR_MOD_NOT_FOUND},
+        {drive + u"folder.dll", ERROR_ACCESS_DENIED},  {u"Z:\\a.dll", ERROR_PATH_NOT_FOUND},
+        {u"no such library.dll", ERROR_MOD_NOT_FOUND}, {u"", ERROR_INVALID_PARAMETER},
     };
-    for (const auto& [name, error] : rows) {
-        EXPECT_EQ(Load(name), nullptr);
-        EXPECT_EQ(GetLastError(), error) << std::filesystem::path(name);
+    for (const auto& [path, error] : rows) {
+        EXPECT_EQ(LoadLibraryW(path.c_str()), nullptr);
+        EXPECT_EQ(GetLastError(), error) << std::filesystem::path(path);
     }
-    const std::pair<const char16_t*, DWORD> plain[] = {{u"Z:\\a.dll", ERROR_PATH_NOT_FOUND},
-                                                       {u"no such library.dll", ERROR_MOD_NOT_FOUND},
-                                                       {u"", ERROR_INVALID_PARAMETER},
-                                                       {nullptr, ERROR_INVALID_PARAMETER}};
-    for (const auto& [name, error] : plain) {
-        EXPECT_EQ(LoadLibraryW(name), nullptr);
-        EXPECT_EQ(GetLastError(), error);
-    }
+    SetLastError(ERROR_SUCCESS);
+    EXPECT_EQ(LoadLibraryW(nullptr), nullptr);
+    EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
 }
 
 // Handles that are none are not followed: these would fault, or are another module's.

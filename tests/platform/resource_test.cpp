@@ -82,30 +82,31 @@ TEST(Resources, AreFoundExactlyWhereTheyAre)
 {
     Random random;
     const ResourceKey keys[] = {1, 6, 16, 0xFFFF, u"AN ICON", u"\x0416"};
-    const WORD languages[] = {0, 0x0007, 0x0407, 0x0411, 0xFFFF};
+    std::vector<TestResource> places;
+    for (const ResourceKey& type : keys)
+        for (const ResourceKey& name : keys)
+            for (const WORD language : {0, 0x0007, 0x0407, 0x0411, 0xFFFF})
+                places.push_back({type, name, language, {}});
     for (int round = 0; round < 10; ++round)
         for (const Build build : kForms) {
             std::vector<TestResource> all;
-            for (const ResourceKey& type : keys)
-                for (const ResourceKey& name : keys)
-                    for (const WORD language : languages)
-                        if (random.Int(0, 3) == 0)
-                            all.push_back(
-                                {type, name, language, Bytes(size_t(random.Int(0, 9)), random.Byte())});
+            std::vector<const Bytes*> wanted(places.size());
+            all.reserve(places.size());
+            for (size_t i = 0; i < places.size(); ++i)
+                if (random.Int(0, 3) == 0) {
+                    all.push_back(places[i]);
+                    all.back().data.assign(size_t(random.Int(0, 9)), random.Byte());
+                    wanted[i] = &all.back().data;
+                }
             const LoadedFile file(build(all));
-            for (const ResourceKey& type : keys)
-                for (const ResourceKey& name : keys)
-                    for (const WORD language : languages) {
-                        const auto wanted = std::ranges::find_if(all, [&](const TestResource& resource) {
-                            return resource.type == type && resource.name == name &&
-                                   resource.language == language;
-                        });
-                        const HRSRC found = FindResourceExW(file.module, Form(type), Form(name), language);
-                        ASSERT_EQ(found != nullptr, wanted != all.end());
-                        if (found) {
-                            ASSERT_EQ(file.Read(found), wanted->data);
-                        }
-                    }
+            for (size_t i = 0; i < places.size(); ++i) {
+                const auto& [type, name, language, unused] = places[i];
+                const HRSRC found = FindResourceExW(file.module, Form(type), Form(name), language);
+                ASSERT_EQ(found != nullptr, wanted[i] != nullptr);
+                if (found) {
+                    ASSERT_EQ(file.Read(found), *wanted[i]);
+                }
+            }
         }
 }
 

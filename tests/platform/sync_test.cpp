@@ -1,5 +1,4 @@
 #include "vx/platform/sync.h"
-#include "vx/platform/threads.h"
 
 #include <cstring>
 #include <gtest/gtest.h>
@@ -57,17 +56,6 @@ TEST(CriticalSection, KeepsThreadsApart)
     }
     DeleteCriticalSection(&section);
     EXPECT_EQ(sum, int64_t(kThreads) * kRounds);
-}
-
-TEST(Threads, NumbersAreSteadyAndDifferent)
-{
-    const DWORD here = GetCurrentThreadId();
-    DWORD there = 0;
-    std::jthread([&] { there = GetCurrentThreadId(); }).join();
-    EXPECT_NE(here, 0u);
-    EXPECT_NE(there, 0u);
-    EXPECT_NE(there, here);
-    EXPECT_EQ(GetCurrentThreadId(), here);
 }
 
 } // namespace

@@ -17,7 +17,7 @@ TEST(FormatText, NamesCompressionsAndSizes)
         {VXCOMPRESSION_VXDB, u"RGBA"},
         {VXCOMPRESSION_VXGS, u"Grayscale"},
         {0x32595559, u"YUY2"},
-        {1, u"...."},
+        {0x7F7E1F20, u" .~."}, // what is no character of ASCII is a point
     };
     for (const auto& c : cases)
         for (int32_t capacity = -1; capacity < 18; ++capacity) {

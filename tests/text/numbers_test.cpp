@@ -5,7 +5,6 @@
 #include "support/random.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <functional>
 #include <limits>
@@ -22,9 +21,8 @@ constexpr int32_t kMin32 = std::numeric_limits<int32_t>::min();
 template <class T>
 std::u16string Plain(T value)
 {
-    char text[32];
-    const auto end = std::to_chars(text, std::end(text), value).ptr;
-    return {text, end};
+    const std::string text = std::to_string(value);
+    return {text.begin(), text.end()};
 }
 
 std::u16string Separator()
@@ -46,15 +44,17 @@ std::string Ascii(const std::u16string& text)
     return {text.begin(), text.end()};
 }
 
-// Values of every length, and those at the ends of a range.
+// Values of every length, and those beside powers of ten and at the ends of a range.
 template <class T>
 T RandomValue(Random& random)
 {
-    if (random.Int(0, 9) == 0) { // in unsigned: a step past an end wraps to the other one
-        const T end = random.Int(0, 1) ? std::numeric_limits<T>::max() : T(0);
-        return T(uint64_t(end) + uint64_t(int64_t(random.Int(-2, 2))));
-    }
-    return T(random.Next() >> random.Int(0, 63));
+    if (random.Int(0, 3) != 0)
+        return T(random.Next() >> random.Int(0, 63));
+    uint64_t end = random.Int(0, 1) ? uint64_t(std::numeric_limits<T>::max()) : 1;
+    if (end == 1)
+        for (int power = random.Int(0, 19); power > 0; --power)
+            end *= 10;
+    return T(end + uint64_t(int64_t(random.Int(-2, 2)))); // a step past an end wraps to the other one
 }
 
 enum class Cut
@@ -79,22 +79,6 @@ constexpr Functions<int32_t> kLong{VxLongToText, VxLongToTextN, VxTextToLongToke
 constexpr Functions<int64_t> kLongLong{VxLongLongToText, VxLongLongToTextN, VxTextToLongLongToken, 2,
                                        Cut::GivesZero};
 
-template <class T>
-void ExpectRoundTrip(const Functions<T>& f, T value)
-{
-    for (const int32_t group : {0, 1}) {
-        const std::u16string want = group ? Grouped(Plain(value)) : Plain(value);
-        char16_t text[64], bounded[64];
-        ASSERT_EQ(f.toText(value, text, group), int32_t(want.size()));
-        ASSERT_EQ(text, want);
-        ASSERT_EQ(f.toTextN(value, bounded, 64, group), int32_t(want.size()));
-        ASSERT_EQ(bounded, want);
-        const char16_t* end = nullptr;
-        ASSERT_EQ(f.read(text, &end), value) << Ascii(want);
-        ASSERT_EQ(end, text + want.size());
-    }
-}
-
 // Every capacity: what stands, what is returned, and nothing behind it. Below the least capacity
 // nothing is written.
 void ExpectBounded(const std::u16string& whole, int32_t leastCapacity, Cut cut,
@@ -113,10 +97,22 @@ void ExpectBounded(const std::u16string& whole, int32_t leastCapacity, Cut cut,
 }
 
 template <class T>
-void ExpectCuts(const Functions<T>& f, T value, int32_t group)
+void ExpectRoundTrip(const Functions<T>& f, T value)
 {
-    ExpectBounded(group ? Grouped(Plain(value)) : Plain(value), f.leastCapacity, f.cut,
-                  [&](char16_t* text, int32_t capacity) { return f.toTextN(value, text, capacity, group); });
+    for (const int32_t group : {0, 1}) {
+        const std::u16string want = group ? Grouped(Plain(value)) : Plain(value);
+        char16_t text[64];
+        ASSERT_EQ(f.toText(value, text, group), int32_t(want.size()));
+        ASSERT_EQ(text, want);
+        const char16_t* end = nullptr;
+        ASSERT_EQ(f.read(text, &end), value) << Ascii(want);
+        ASSERT_EQ(end, text + want.size());
+        // A negative number's room is that of the locale's sign: only here the two are of one length.
+        if (!group || value >= 0 || vx::g_internationals.negativeSignLength == 1)
+            ExpectBounded(want, f.leastCapacity, f.cut, [&](char16_t* out, int32_t capacity) {
+                return f.toTextN(value, out, capacity, group);
+            });
+    }
 }
 
 std::u16string Call(const std::function<int32_t(char16_t*)>& write)
@@ -155,7 +151,7 @@ TEST(Numbers, IntegersGoToTextAndBackInEveryLocale)
     for (const char* name : kLocales) {
         SCOPED_TRACE(name);
         const OnlyLocale locale(name);
-        for (int i = 0; i < 2000; ++i) {
+        for (int i = 0; i < 100; ++i) {
             ExpectRoundTrip(kDWord, RandomValue<uint32_t>(random));
             ExpectRoundTrip(kDWordLong, RandomValue<uint64_t>(random));
             ExpectRoundTrip(kLong, RandomValue<int32_t>(random));
@@ -164,84 +160,37 @@ TEST(Numbers, IntegersGoToTextAndBackInEveryLocale)
     }
 }
 
-TEST(Numbers, IntegersAtThePowersOfTen)
-{
-    const OnlyLocale locale("en-US");
-    uint64_t power = 1;
-    for (int digits = 1; digits <= 20; ++digits, power *= 10)
-        for (const uint64_t value : {power - 1, power}) {
-            ExpectRoundTrip(kDWordLong, value);
-            ExpectRoundTrip(kDWord, uint32_t(value));
-        }
-}
-
-TEST(Numbers, BoundedIntegersAreCut)
-{
-    for (const char* name : {"en-US", "ar-SA"}) {
-        const OnlyLocale locale(name);
-        for (const int32_t group : {0, 1}) {
-            ExpectCuts(kDWord, uint32_t(0), group);
-            ExpectCuts(kDWord, uint32_t(4294967295u), group);
-            ExpectCuts(kDWordLong, uint64_t(0), group);
-            ExpectCuts(kDWordLong, kMax64, group);
-            ExpectCuts(kLong, int32_t(1234567), group);
-            ExpectCuts(kLongLong, int64_t(1234567890123456789), group);
-        }
-        // A negative number's room is that of the locale's sign: only here the two are of one length.
-        if (vx::g_internationals.negativeSignLength == 1) {
-            ExpectCuts(kLong, kMin32, 1);
-            ExpectCuts(kLongLong, kMin64, 1);
-        }
-        ExpectCuts(kLong, kMin32, 0);
-        ExpectCuts(kLongLong, kMin64, 0);
-    }
-}
-
 TEST(Numbers, DoublesToText)
 {
-    const OnlyLocale locale("de-DE");
-    constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
-    constexpr double kInfinity = std::numeric_limits<double>::infinity();
+    const OnlyLocale locale("en-US");
     const struct
     {
         double value;
         uint32_t decimals;
-        const char16_t *plain, *grouped;
+        const char16_t* want;
     } cases[] = {
-        {0.999, 2, u"1.00", u"1,00"},
-        {-0.001, 2, u"0.00", u"0,00"},
-        {-0.006, 2, u"-0.01", u"-0,01"},
-        {-0.005, 2, u"0.00", u"0,00"}, // the float unit of two decimals is a little below 0.01
-        {-0.0, 1, u"0.0", u"0,0"},
-        {2.5, 0, u"3", u"3"},
-        {-2.5, 0, u"-3", u"-3"},
-        {0.49, 0, u"0", u"0"},
-        {1.05, 1, u"1.1", u"1,1"},
-        {1.04, 1, u"1.0", u"1,0"},
-        {1234567.005, 3, u"1234567.005", u"1.234.567,005"},
-        {0.1, 12, u"0.100000000", u"0,100000000"},
-        {0.1, uint32_t(-1), u"0.100000000", u"0,100000000"},
-        {999999.95, 1, u"1000000.0", u"1.000.000,0"},
-        {18446744073709549568.0, 0, u"18446744073709549568", u"18.446.744.073.709.549.568"},
-        {0x1p64, 0, u"18446744073709551615", u"18.446.744.073.709.551.615"},
-        {1e300, 2, u"18446744073709551615.00", u"18.446.744.073.709.551.615,00"},
-        {-kInfinity, 0, u"-18446744073709551615", u"-18.446.744.073.709.551.615"},
-        {kNaN, 1, u"0.0", u"0,0"},
+        {0.999, 2, u"1.00"},
+        {-0.001, 2, u"0.00"},
+        {-0.006, 2, u"-0.01"},
+        {-0.005, 2, u"0.00"}, // the float unit of two decimals is a little below 0.01
+        {-2.5, 0, u"-3"},
+        {1.05, 1, u"1.1"},
+        {1234567.005, 3, u"1234567.005"},
+        {0.1, 12, u"0.100000000"},
+        {0.1, uint32_t(-1), u"0.100000000"},
+        {18446744073709549568.0, 0, u"18446744073709549568"},
+        {0x1p64, 0, u"18446744073709551615"},
+        {-1e300, 2, u"-18446744073709551615.00"},
+        {std::numeric_limits<double>::quiet_NaN(), 1, u"0.0"},
     };
-    for (const auto& c : cases) {
-        EXPECT_EQ(Double(c.value, c.decimals), c.plain);
-        EXPECT_EQ(Double(c.value, c.decimals, 1), c.grouped);
-    }
-}
-
-TEST(Numbers, BoundedDoublesReportWhatStands)
-{
-    const OnlyLocale locale("en-US");
-    for (const int32_t group : {0, 1})
-        ExpectBounded(Double(-12345.678, 2, group), 1, Cut::GivesLength,
-                      [=](char16_t* text, int32_t capacity) {
-                          return VxDoubleToTextN(text, capacity, -12345.678, 2, group);
-                      });
+    for (const auto& c : cases)
+        for (const int32_t group : {0, 1}) {
+            const std::u16string want = group ? Grouped(c.want) : c.want;
+            EXPECT_EQ(Double(c.value, c.decimals, group), want);
+            ExpectBounded(want, 1, Cut::GivesLength, [&](char16_t* text, int32_t capacity) {
+                return VxDoubleToTextN(text, capacity, c.value, c.decimals, group);
+            });
+        }
 }
 
 TEST(Numbers, DoublesGoToTextAndBackInEveryLocale)
@@ -273,32 +222,28 @@ TEST(Numbers, TextForAPerson)
     } cases[] = {
         // rounded and grouped; its decimals; both
         {u"1234567", u"1.234.567", u"1234567", u"1.234.567"},
-        {u"-1234", u"-1.234", u"-1234", u"-1.234"},
         {u"1234.50", u"1.235", u"1234,50", u"1.234,50"},
         {u"-0.4", u"0", u"-0,4", u"-0,4"},
-        {u"0.7", u"1", u"0,7", u"0,7"},
         {u".7", u"1", u"0,7", u"0,7"},
         {u"5.", u"5", u"5", u"5"},
         // what is in front is copied, with zeros
         {u"", u"", u"", u""},
-        {u"0", u"0", u"0", u"0"},
-        {u"   12", u"   12", u"   12", u"   12"},
-        {u"0012345", u"0012.345", u"0012345", u"0012.345"},
+        {u"   0012345", u"   0012.345", u"   0012345", u"   0012.345"},
         {u"000", u"000", u"000", u"000"},
         {u"00.5", u"01", u"00,5", u"00,5"},
         {u"-0012345", u"-12.345", u"-12345", u"-12.345"},
-        {u"size: 12345", u"size: 12.345", u"size: 12345", u"size: 12.345"},
         // no number behind it
         {u"no number", u"no number", u"no number", u"no number"},
         {u"a-b", u"a", u"a", u"a"},
         {u"12x", u"", u"", u""},
-        {u"1 234", u"", u"", u""},
         {u"1.0123456789", u"1", u"", u""},
     };
     for (const auto& c : cases) {
         EXPECT_EQ(FormatNumber(c.source), c.number) << &c - cases;
         EXPECT_EQ(FormatDecimal(c.source), c.decimal) << &c - cases;
-        EXPECT_EQ(FormatGroup(c.source, VXNUM_COUNT_DECIMALS), c.group) << &c - cases;
+        ExpectBounded(c.group, 1, Cut::GivesZero, [&](char16_t* text, int32_t capacity) {
+            return VxFormatGroupDecimalNumber(c.source, text, capacity, VXNUM_COUNT_DECIMALS);
+        });
     }
     EXPECT_EQ(FormatGroup(u"1234.50", 1), u"1.234,5");
     EXPECT_EQ(FormatGroup(u"1234.56", 0), u"1.235");
@@ -306,54 +251,19 @@ TEST(Numbers, TextForAPerson)
     EXPECT_EQ(FormatGroup(u"1234", 10), u"");
 }
 
-TEST(Numbers, ALocalesSignBecomesAPlainOne)
+// Though a plain one is delivered.
+TEST(Numbers, TheRoomMustHoldTheLocalesOwnSign)
 {
     for (const char* name : kLocales) {
         const OnlyLocale locale(name);
-        const std::u16string number = u"1" + Separator() + u"234";
-        EXPECT_EQ(FormatNumber(u"-1234"), u"-" + number) << name;
-        EXPECT_EQ(FormatNumber(u"x-1234"), u"x-" + number) << name;
-        // The room must hold the number with the locale's own sign.
-        const int32_t room = int32_t(number.size() + vx::g_internationals.negativeSignLength + 1);
+        const std::u16string want = u"x-1" + Separator() + u"234";
+        const int32_t room = int32_t(want.size() + vx::g_internationals.negativeSignLength);
         char16_t text[16];
-        EXPECT_EQ(VxFormatNumber(u"-1234", text, room), int32_t(number.size()) + 1) << name;
-        EXPECT_EQ(VxFormatNumber(u"-1234", text, room - 1), 0) << name;
-        EXPECT_EQ(text[0], u'-') << name;
+        EXPECT_EQ(VxFormatNumber(u"x-1234", text, room), int32_t(want.size())) << name;
+        EXPECT_EQ(text, want);
+        EXPECT_EQ(VxFormatNumber(u"x-1234", text, room - 1), 0) << name;
+        EXPECT_EQ(text[1], u'-') << name;
     }
-}
-
-TEST(Numbers, TextForAPersonKeepsToItsRoom)
-{
-    const OnlyLocale locale("en-US");
-    for (const char16_t* source : {u"ab 1234567", u"ab", u"000", u"-1234", u"1.5", u"a-b"})
-        ExpectBounded(FormatGroup(source, VXNUM_COUNT_DECIMALS), 1, Cut::GivesZero,
-                      [=](char16_t* text, int32_t capacity) {
-                          return VxFormatGroupDecimalNumber(source, text, capacity, VXNUM_COUNT_DECIMALS);
-                      });
-}
-
-TEST(Numbers, AnEmptyRecordHasNoSeparators)
-{
-    const VxInternationals kept = vx::g_internationals;
-    vx::g_internationals = {};
-    EXPECT_EQ(FormatNumber(u"1234567"), u"1234567");
-    const char16_t text[] = u"1,234.5";
-    const char16_t* end = nullptr;
-    EXPECT_EQ(VxTextToDWordToken(text, &end), 1u);
-    EXPECT_EQ(end, text + 1);
-    EXPECT_EQ(VxTextToDoubleToken(text, &end, 0), 1234.5);
-    vx::g_internationals = kept;
-}
-
-TEST(Numbers, ALocaleMayLeaveTheZeroBelowOneOut)
-{
-    const OnlyLocale locale("en-US");
-    const VxInternationals kept = vx::g_internationals;
-    vx::g_internationals.leadingZero = 0;
-    EXPECT_EQ(Double(0.5, 1, 1), u".5");
-    EXPECT_EQ(Double(0.5, 1), u"0.5") << "not a person's form";
-    EXPECT_EQ(Double(-1.5, 1, 1), u"-1.5");
-    vx::g_internationals = kept;
 }
 
 TEST(Numbers, TokensOfIntegers)
@@ -366,25 +276,18 @@ TEST(Numbers, TokensOfIntegers)
         uint64_t unsigned64;
         int64_t signed64;
     } cases[] = {
-        {u"", 0, 0, 0},
         {u"  ", 2, 0, 0},
         {u"  1,234abc", 7, 1234, 1234},
         {u"\t\u00A0\u3000\n7", 5, 7, 7},
-        {u"1,2,3", 5, 123, 123},
-        {u",,,5,", 5, 5, 5},
-        {u"12.7 9", 4, 12, 12},
+        {u",,5,,", 5, 5, 5},
         {u"1.2.3x", 5, 1, 1},
         {u".5", 2, 0, 0},
         {u"-12", 3, 0, -12},
-        {u"-", 1, 0, 0},
         {u"- 5", 1, 0, 0},
         {u"--5", 1, 0, 0},
         {u"+5", 0, 0, 0},
-        {u"5-3", 1, 5, 5},
         {u"\u22125", 0, 0, 0},
         {u"\u0661\u0662", 0, 0, 0},
-        {u"0x10", 1, 0, 0},
-        {u"007", 3, 7, 7},
         {u"18446744073709551615", 20, kMax64, std::numeric_limits<int64_t>::max()},
         {u"18446744073709551617", 20, 1, std::numeric_limits<int64_t>::max()},
         {u"-9223372036854775808", 20, 0, kMin64},
@@ -409,14 +312,11 @@ TEST(Numbers, TokensOfIntegers)
 TEST(Numbers, ALongTokenReadsAsItsFirst63Characters)
 {
     const OnlyLocale locale("en-US");
-    const std::u16string zeros(62, u'0');
+    const std::u16string zeros(62, u'0'), tooLong = zeros + u"78,9.5;";
     const char16_t* end = nullptr;
-    const std::u16string fits = zeros + u"7", tooLong = zeros + u"78,9.5;", negative = u"-" + zeros + u"7";
-    EXPECT_EQ(VxTextToLongToken(fits.c_str(), &end), 7);
     EXPECT_EQ(VxTextToLongToken(tooLong.c_str(), &end), 7);
     EXPECT_EQ(*end, u';');
-    EXPECT_EQ(VxTextToLongToken(negative.c_str(), &end), 0);
-    EXPECT_EQ(*end, u'\0');
+    EXPECT_EQ(VxTextToLongToken((u"-" + zeros + u"7").c_str(), nullptr), 0);
     EXPECT_EQ(VxTextToDoubleToken(tooLong.c_str(), &end, 0), 7.0);
 }
 
@@ -432,13 +332,10 @@ TEST(Numbers, TokensOfDoubles)
         {u"1.234,5", 1.2345, 1234.5, 7, 7},
         {u"-1,5x", -15, -1.5, 4, 4},
         {u"1.2.3", 1.2, 123, 5, 5},
-        {u".5", 0.5, 5, 2, 2},
         {u",5", 5, 0.5, 2, 2},
-        {u"5.", 5, 5, 2, 2},
         {u"1e5", 1, 1, 1, 1},
         {u"inf", 0, 0, 0, 0},
         {u"-.", 0, 0, 2, 2},
-        {u"0.1", 0.1, 1, 3, 3},
         {u"9007199254740993", 9007199254740992.0, 9007199254740992.0, 16, 16},
     };
     for (const auto& c : cases) {
@@ -450,11 +347,18 @@ TEST(Numbers, TokensOfDoubles)
     }
 }
 
-TEST(Numbers, SeparatorsOfSeveralCharacters)
+TEST(Numbers, RecordsThatNoLocaleHas)
 {
-    VxInternationals kept = vx::g_internationals;
+    const VxInternationals kept = vx::g_internationals;
     VxInternationals& r = vx::g_internationals;
     r = {};
+    const char16_t* end = nullptr;
+    const char16_t english[] = u"1,234.5", strange[] = u"1::234:,5:";
+    EXPECT_EQ(FormatNumber(u"1234567"), u"1234567");
+    EXPECT_EQ(VxTextToDWordToken(english, &end), 1u);
+    EXPECT_EQ(end, english + 1);
+    EXPECT_EQ(VxTextToDoubleToken(english, &end, 0), 1234.5);
+
     const auto set = [](char16_t* text, uint32_t& length, std::u16string_view from) {
         length = uint32_t(from.copy(text, 7));
     };
@@ -462,11 +366,11 @@ TEST(Numbers, SeparatorsOfSeveralCharacters)
     set(r.thousandsSeparator, r.thousandsSeparatorLength, u"::");
     set(r.decimalSeparator, r.decimalSeparatorLength, u":,");
     r.grouping = 3;
-    const char16_t* end = nullptr;
-    const char16_t text[] = u"1::234:,5:";
-    EXPECT_EQ(VxTextToDoubleToken(text, &end, 1), 1234.5);
-    EXPECT_EQ(end - text, 9); // half a separator is none
+    EXPECT_EQ(VxTextToDoubleToken(strange, &end, 1), 1234.5);
+    EXPECT_EQ(end - strange, 9); // half a separator is none
     EXPECT_EQ(FormatGroup(u"1234.5", 1), u"1::234:,5");
+    EXPECT_EQ(Double(0.5, 1, 1), u":,5") << "no zero in front";
+    EXPECT_EQ(Double(0.5, 1), u"0.5") << "not a person's form";
 
     // 18 digits with separators of 7 characters pass the bound of 64; the cut is terminated.
     set(r.thousandsSeparator, r.thousandsSeparatorLength, u"_______");
@@ -484,11 +388,10 @@ TEST(Numbers, TokensOfHexadecimals)
         const char16_t* text;
         int end;
         uint64_t value;
-    } cases[] = {{u"0xFF,", 4, 255}, {u"ff", 2, 255},   {u" \t0XaBcDeF g", 10, 0xABCDEF},
-                 {u"", 0, 0},        {u"0x", 2, 0},     {u"xyz", 0, 0},
-                 {u"-1", 0, 0},      {u"1,2", 1, 1},    {u"123456789ABCDEF01", 17, 0x23456789ABCDEF01},
-                 {u"0x0x1", 3, 0},   {u"@G`g/:", 0, 0}, {u"\uFF11", 0, 0},
-                 {u"0\u0141", 1, 0}}; // its low byte is an A
+    } cases[] = {{u"ff", 2, 255},   {u" \t0XaBcDeF g", 10, 0xABCDEF},
+                 {u"0x", 2, 0},     {u"-1", 0, 0},
+                 {u"1,2", 1, 1},    {u"123456789ABCDEF01", 17, 0x23456789ABCDEF01},
+                 {u"@G`g/:", 0, 0}, {u"0\u0141", 1, 0}}; // its low byte is an A
     for (const auto& c : cases) {
         const char16_t* end = nullptr;
         EXPECT_EQ(VxHexToDWordLongToken(c.text, &end), c.value) << &c - cases;
@@ -506,14 +409,11 @@ static void ExpectDefaultAndLimits(ReadEx readEx)
         const char16_t* text;
         int defaultValue, minimum, maximum, want, end;
     } cases[] = {
-        {u"xyz", 7, 0, 50, 7, 0}, // no number
-        {u"0;", 7, 0, 50, 7, 1},  // a zero with something behind it is none either
-        {u"0 ;", 7, 0, 50, 0, 1}, // but white space ends a number
-        {u"0\u3000", 7, 0, 50, 0, 1}, {u"", 7, 0, 50, 0, 0},
-        {u"  ", 7, 0, 50, 0, 2},      {u"  ", 7, 3, 50, 3, 2},
-        {u"9;", 7, 0, 50, 9, 1},      {u"xyz", 7, 8, 50, 8, 0}, // the default has the limits too
-        {u"xyz", 70, 0, 50, 50, 0},   {u"99", 7, 0, 50, 50, 2},
-        {u"30", 7, 40, 20, 40, 2}, // crossed limits: the minimum is first
+        {u"0;", 7, 0, 50, 7, 1},  // a zero with something behind it is no number
+        {u"0 ;", 7, 0, 50, 0, 1}, // but white space ends one
+        {u"0\u3000", 7, 0, 50, 0, 1}, {u"  ", 7, 3, 50, 3, 2},
+        {u"9;", 7, 0, 50, 9, 1},      {u"xyz", 7, 8, 50, 8, 0},  // the default has the limits too
+        {u"xyz", 70, 0, 50, 50, 0},   {u"30", 7, 40, 20, 40, 2}, // crossed limits: the minimum is first
         {u"45", 7, 40, 20, 20, 2},
     };
     for (const auto& c : cases) {
@@ -537,26 +437,12 @@ TEST(Numbers, DefaultsAndLimits)
             [=](const char16_t* text, double value, double low, double high, const char16_t** end) {
                 return VxTextToDoubleTokenEx(text, value, low, high, end, localised);
             });
-    // Hexadecimal 9, 45 and 99 are other numbers, on the same side of the limits.
-    EXPECT_EQ(VxHexToDWordTokenEx(u"xyz", 7, 0, 50, nullptr), 7u);
+
     EXPECT_EQ(VxHexToDWordTokenEx(u"10", 7, 0, 50, nullptr), 16u);
     EXPECT_EQ(VxHexToDWordTokenEx(u"FF", 7, 0, 50, nullptr), 50u);
     EXPECT_EQ(VxHexToDWordLongTokenEx(u"0x1ffffffff", 7, 0, kMax64, nullptr), 0x1FFFFFFFFu);
     EXPECT_EQ(VxHexToDWordLongTokenEx(u"0;", 7, 8, 50, nullptr), 8u);
-
     EXPECT_EQ(VxTextToLongTokenEx(u"-9", 0, -5, 5, nullptr), -5);
     EXPECT_EQ(VxTextToDoubleTokenEx(u"-0;", 2.5, -1, 3, nullptr, 0), 2.5);
     EXPECT_EQ(VxTextToDoubleTokenEx(u"0.25", 2.5, 0.5, 3, nullptr, 0), 0.5);
-}
-
-TEST(Numbers, FourCCs)
-{
-    char16_t text[6] = u"#####";
-    VxFourCCToString(0x34363248, text);
-    EXPECT_EQ(std::u16string(text), u"H264");
-    EXPECT_EQ(text[4], u'\0');
-    VxFourCCToString(0x7F7E1F00, text);
-    EXPECT_EQ(std::u16string(text), u"..~.");
-    VxFourCCToString(0xFF412020, text);
-    EXPECT_EQ(std::u16string(text), u"  A.");
 }

@@ -5,36 +5,15 @@
 
 #include <functional>
 #include <gtest/gtest.h>
-#include <ostream>
 #include <string>
+#include <utility>
 
 namespace vxtest {
 
 // Also the width of the buffers: no text of these tests is longer.
 constexpr size_t kPrintRoom = 3000;
 
-struct Printed
-{
-    std::u16string text;
-    HRESULT status;
-    bool operator==(const Printed&) const = default;
-};
-
-inline std::string Visible(const std::u16string& text)
-{
-    std::string out;
-    for (const char16_t c : text)
-        if (c >= 32 && c < 127)
-            out += char(c);
-        else
-            out += "\\" + std::to_string(unsigned(c));
-    return out;
-}
-
-inline void PrintTo(const Printed& printed, std::ostream* out)
-{
-    *out << '"' << Visible(printed.text) << "\" (" << std::hex << uint32_t(printed.status) << ")";
-}
+using Printed = std::pair<std::u16string, HRESULT>;
 
 // A format with its arguments, to be printed many times.
 struct Form
@@ -56,7 +35,7 @@ inline std::u16string Print(const Form& form)
 {
     std::u16string text(kPrintRoom, u'#');
     const uint32_t length = form.unbounded(text.data());
-    EXPECT_EQ(text.find(u'\0'), length) << Visible(form.format);
+    EXPECT_EQ(text.find(u'\0'), length) << testing::PrintToString(form.format);
     return text.substr(0, length);
 }
 
@@ -70,16 +49,17 @@ inline Printed PrintBounded(const Form& form, uint32_t capacity = kPrintRoom)
         EXPECT_EQ(length, 0u);
         return {u"", status};
     }
-    EXPECT_EQ(text.find(u'\0'), length) << Visible(form.format) << ", capacity " << capacity;
-    EXPECT_EQ(text.find_first_not_of(u'#', capacity), text.npos) << "written behind the capacity";
+    EXPECT_EQ(text.find(u'\0'), length);
+    EXPECT_EQ(text.find_first_not_of(u'#', capacity), text.npos) << "written behind " << capacity;
     return {text.substr(0, length), status};
 }
 
 // Both engines print it whole.
 inline void ExpectPrints(const Form& form, const std::u16string& want)
 {
-    EXPECT_EQ(Visible(Print(form)), Visible(want)) << Visible(form.format);
-    EXPECT_EQ(PrintBounded(form), (Printed{want, S_OK})) << Visible(form.format);
+    const auto trace = testing::PrintToString(form.format);
+    EXPECT_EQ(Print(form), want) << trace;
+    EXPECT_EQ(PrintBounded(form), Printed(want, S_OK)) << trace;
 }
 
 } // namespace vxtest

@@ -91,38 +91,24 @@ TEST_F(Ruler, RoundsEachFormatItsOwnWay)
         {"microseconds round", VXPOSFMT_MICROS, 15, 0, u"2"},
         {"hours wrap at a day", VXPOSFMT_TIME, 25 * 3600 * kSecond, VXPOS_SHORT, u"01:00:00"},
         {"minutes and seconds", VXPOSFMT_CLOCK, (9 * 60 + 5) * kSecond, 0, u"9:05"},
-        {"ten minutes", VXPOSFMT_CLOCK, 600 * kSecond, 0, u"10:00"},
         {"one hour", VXPOSFMT_CLOCK, 3600 * kSecond, 0, u"1:00:00"},
         {"a length is not counted from 1", VXPOSFMT_MEASURES, 0, VXPOS_LENGTH, u"0.0.000"},
         {"a position is", VXPOSFMT_MEASURES, 0, 0, u"1.1.000"},
-        {"the smallest time", VXPOSFMT_NANOS, INT64_MIN, 0, u"-9,223,372,036,854,775,807"},
-        {"rounded at the end of the range", VXPOSFMT_MICROS, INT64_MIN, 0, u"-922,337,203,685,477,581"},
+        {"the smallest time", VXPOSFMT_MICROS, INT64_MIN, 0, u"-922,337,203,685,477,581"},
     };
     for (const auto& c : cases)
         EXPECT_EQ(Text(Format(c.format), c.nanos, c.flags), c.want) << c.name;
 }
 
-TEST_F(Ruler, TypedTimesBeyondTheRangeWrap)
-{
-    EXPECT_EQ(Read(u"4294967295:59:59.999", Format(VXPOSFMT_TIME)),
-              int64_t(15'461'882'265'599'999u * 10'000u));
-}
-
 TEST_F(Ruler, OffsetMovesPositionsNotLengths)
 {
+    const OnlyLocale german("de-DE"); // the separators are the user's
     _vxposfmt format = Format(VXPOSFMT_TIME);
     format.rulerOffset = 90 * kSecond;
-    EXPECT_EQ(Text(format, 30 * kSecond), u"-00:01:00.000");
-    EXPECT_EQ(Text(format, 30 * kSecond, VXPOS_LENGTH), u"00:00:30.000");
-    EXPECT_EQ(Read(u"-1:00.0", format), 30 * kSecond);
-    EXPECT_EQ(Read(u"1:00.0", format, VXPOS_LENGTH), 60 * kSecond);
-}
-
-TEST_F(Ruler, SeparatorsAreTheUsers)
-{
-    const OnlyLocale german("de-DE");
-    EXPECT_EQ(Text(Format(VXPOSFMT_SECONDS), kHourTwoMinutesThreeAndAHalf), u"3.723,500");
-    EXPECT_EQ(Text(Format(VXPOSFMT_TIME), kHourTwoMinutesThreeAndAHalf), u"01:02:03,500");
+    EXPECT_EQ(Text(format, 30 * kSecond), u"-00:01:00,000");
+    EXPECT_EQ(Text(format, 30 * kSecond, VXPOS_LENGTH), u"00:00:30,000");
+    EXPECT_EQ(Read(u"-1:00,0", format), 30 * kSecond);
+    EXPECT_EQ(Read(u"1:00,0", format, VXPOS_LENGTH), 60 * kSecond);
     EXPECT_EQ(Read(u"3.723,5", Format(VXPOSFMT_SECONDS)), kHourTwoMinutesThreeAndAHalf);
 }
 
@@ -133,16 +119,15 @@ TEST_F(Ruler, BoundedTextStaysInItsRoom)
         const _vxposfmt format = Format(number);
         const std::u16string whole = Text(format, -kHourTwoMinutesThreeAndAHalf);
         for (uint32_t capacity = 0; capacity <= whole.size() + 3; ++capacity) {
-            char16_t text[64];
-            std::fill(std::begin(text), std::end(text), u'#');
+            std::u16string text(64, u'#');
             const int32_t length =
-                VxNanoTimeToTextN(text, capacity, &format, -kHourTwoMinutesThreeAndAHalf, 0);
+                VxNanoTimeToTextN(text.data(), capacity, &format, -kHourTwoMinutesThreeAndAHalf, 0);
             ASSERT_EQ(text[capacity], u'#') << "format " << number << ", capacity " << capacity;
             if (capacity == 0)
                 continue;
-            ASSERT_EQ(std::u16string(text).size(), size_t(length));
+            ASSERT_EQ(text.find(u'\0'), size_t(length));
             if (capacity > whole.size() || number == VXPOSFMT_SMPTE_25) {
-                ASSERT_EQ(text, whole.substr(0, capacity - 1));
+                ASSERT_EQ(text.substr(0, size_t(length)), whole.substr(0, capacity - 1));
             }
         }
     }
@@ -198,33 +183,27 @@ TEST_F(Ruler, ReadsWhatIsTyped)
         int64_t want; // nano time
         int32_t end;  // characters used
     } cases[] = {
+        {VXPOSFMT_TIME, u"4294967295:59:59.999", int64_t(15'461'882'265'599'999u * 10'000u), 20}, // wraps
         {VXPOSFMT_TIME, u"5", 5 * kSecond, 1},
         {VXPOSFMT_TIME, u"5:", 5 * kSecond, 2},
         {VXPOSFMT_TIME, u"1:30", 13'000'000, 4},
-        {VXPOSFMT_TIME, u"1:2:3", 60 * kSecond + 23'000'000, 5},
         {VXPOSFMT_TIME, u"1:2:3:4", 3720 * kSecond + 34'000'000, 7},
         {VXPOSFMT_TIME, u"0:1.2345", 12'340'000, 8},
         {VXPOSFMT_TIME, u"1:2:3:4:5", 3720 * kSecond + 34'000'000, 7},
         {VXPOSFMT_TIME, u"0.123456789012345", 1'230'000, 17},
         {VXPOSFMT_TIME, u"  -5  ", -5 * kSecond, 4},
         {VXPOSFMT_TIME, u"abc", 0, 0},
-        {VXPOSFMT_TIME_FRAMES, u"15", 5'000'000, 2},
         {VXPOSFMT_TIME_FRAMES, u"1:15", 15'000'000, 4},
         {VXPOSFMT_FEET_16, u"2+10", 14'000'000, 4},
-        {VXPOSFMT_FEET_40, u"2+10", 30'000'000, 4},
         {VXPOSFMT_FEET_40, u"10", 3'333'333, 2},
-        {VXPOSFMT_SECONDS, u"-1", -kSecond, 2},
         {VXPOSFMT_SECONDS, u"1.5x", 15'000'000, 3},
         {VXPOSFMT_SECONDS, u"999999999999999", 2'305'843'009'209'999'872, 15},
-        {VXPOSFMT_SAMPLES, u"44100", kSecond, 5},
         {VXPOSFMT_MEASURES, u"3", 15'625, 1},
         {VXPOSFMT_MEASURES, u"2.1.0", 20'000'000, 5},
         {VXPOSFMT_MEASURES_ZERO, u"1.0.0", 20'000'000, 5},
         {VXPOSFMT_CD, u"1:75", 2 * kSecond, 4},
-        {VXPOSFMT_BEATS, u"5", 0, 1},
         {VXPOSFMT_CLOCK, u"5", 0, 1},
         {VXPOSFMT_TIME, u"-", 0, 1},
-        {VXPOSFMT_TIME, u"", 0, 0},
     };
     for (const auto& c : cases) {
         const _vxposfmt format = Format(c.format);
@@ -250,13 +229,11 @@ TEST_F(Ruler, DefaultsAndLimits)
         int64_t offset, want;
     } cases[] = {
         {"empty text gives the default, moved by the offset", u"", 0, 7, 12},
-        {"white space too", u"  \t", 0, 7, 12},
         {"a lone sign is 0", u"-", 0, 7, 7},
         {"no number gives the default under limits", u"abc", VXPOS_LIMITS, 0, 5},
         {"a 0 with something behind it too", u"0;", VXPOS_LIMITS, 0, 5},
         {"a 0 does not", u"0", VXPOS_LIMITS, 0, 0},
         {"the test sees the offset", u"abc", VXPOS_LIMITS, 7, 7},
-        {"maximum", u"1000", VXPOS_LIMITS, 0, 100},
         {"minimum", u"-1000", VXPOS_LIMITS, 0, -100},
         {"without limits", u"1000", 0, 0, 1000},
     };
@@ -282,21 +259,16 @@ TEST_F(Ruler, TicksToText)
         uint32_t divisor;
         const char16_t* want;
     } cases[] = {
-        {"start", 0, 4, 1, 0, 1, u"1.1.000"},
-        {"no measure 0", -1, 4, 1, 0, 1, u"-1.4.959"},
-        {"from 0", -1, 4, 0, 0, 1, u"-1.3.959"},
-        {"divided", -1, 4, 1, 0, 10, u"-1.4.095"},
-        {"short", 960, 4, 1, 1, 1, u"1.2"},
+        {"no measure 0", -1, 4, 1, 0, 1, u"-1.4.959"}, {"from 0", -1, 4, 0, 0, 1, u"-1.3.959"},
+        {"divided", -1, 4, 1, 0, 10, u"-1.4.095"},     {"short", 960, 4, 1, 1, 1, u"1.2"},
         {"eighths", 480, 8, 1, 0, 1, u"1.2.000"},
-        {"second measure", 4 * 960 + 5, 4, 1, 0, 1, u"2.1.005"},
     };
     for (const auto& c : cases) {
         _vxposfmt format = Format(VXPOSFMT_MEASURES);
         format.beatValue = c.beatValue;
         char16_t text[64];
-        const int32_t length = VxTicksToText(text, &format, c.ticks, c.oneBased, c.shortForm, c.divisor);
+        VxTicksToText(text, &format, c.ticks, c.oneBased, c.shortForm, c.divisor);
         EXPECT_EQ(text, std::u16string(c.want)) << c.name;
-        EXPECT_EQ(size_t(length), std::u16string(text).size());
     }
     const _vxposfmt format = Format(VXPOSFMT_MEASURES);
     EXPECT_EQ(VxMeasuresAndTicksToText(nullptr, &format, 0, 0, 1, 0, 1), 0);
@@ -314,9 +286,10 @@ TEST_F(Ruler, TicksFromText)
         int32_t base, multiplier;
         int64_t measures, beats, ticks, want;
     } cases[] = {
-        {u"2.3.4", 1, 1, 1, 2, 4, 5764}, {u"2.3.4", 0, 10, 2, 3, 40, 10'600},
-        {u"-2", 1, 1, -2, 0, 0, -7680},  {u"7", 1, 1, 6, 0, 0, 23'040},
-        {u"", 1, 1, 0, 0, 0, 0},         {u"x", 1, 1, 0, 0, 0, 0},
+        {u"2.3.4", 1, 1, 1, 2, 4, 5764},
+        {u"2.3.4", 0, 10, 2, 3, 40, 10'600},
+        {u"-2", 1, 1, -2, 0, 0, -7680},
+        {u"x", 1, 1, 0, 0, 0, 0},
     };
     for (const auto& c : cases) {
         int64_t measures, beats, ticks;
