@@ -16,9 +16,6 @@ namespace {
 using enum Content;
 using enum Answer;
 
-constexpr Traffic kInPlaceBytes{0, 4, true};
-constexpr Traffic kInPlaceFloats{0, 16, true};
-
 constexpr int kAlpha = 3;
 
 // ChannelCopy as the host calls it: pointers already at the channel.

@@ -54,6 +54,9 @@ struct Traffic
     bool inPlace; // what is written is read first
 };
 
+constexpr Traffic kInPlaceBytes{0, 4, true};
+constexpr Traffic kInPlaceFloats{0, 16, true};
+
 constexpr double kCopyGoal = 1.3; // times the copy, for pictures too large for the inner caches
 constexpr double kNoGoal = 0.0;
 

@@ -17,8 +17,6 @@ namespace {
 using enum Content;
 using enum Answer;
 
-constexpr Traffic kInPlaceBytes{0, 4, true};
-constexpr Traffic kInPlaceFloats{0, 16, true};
 constexpr Traffic kBytesIntoBytes{4, 4, true};
 constexpr Traffic kMaskIntoFloats{4, 16, true};
 
