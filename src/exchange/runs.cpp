@@ -293,23 +293,32 @@ private:
             hn::And(hn::ShiftRight < k565 ? 8 : 9 > (word), hn::Set(lanes, k565 ? 0xF800u : 0x7C00u));
         return hn::Or(hn::Or(blue, green), red);
     }
-    // Fields of ten bits, and two of alpha. Bytes that are doubled end in their own highest bits.
+    // Fields of ten bits, and two of alpha. Colours are widened to 16 bits by putting their byte behind itself or behind
+    // a 0; of blue and red the factors leave ten of these.
     template <Widening kWidening>
     HWY_INLINE static Vector32 Tens(Vector32 word)
     {
+        constexpr bool kTwice = kWidening == Widening::Double;
+        constexpr uint8_t kNone = 0x80, kBlue = kTwice ? 0 : kNone, kGreen = kTwice ? 1 : kNone,
+                          kRed = kTwice ? 2 : kNone;
+        alignas(16) static constexpr uint8_t kBlueRed[16] = {kBlue,      0,  kRed,      2, kBlue + 4, 4,
+                                                             kRed + 4,   6,  kBlue + 8, 8, kRed + 8,  10,
+                                                             kBlue + 12, 12, kRed + 12, 14};
+        alignas(16) static constexpr uint8_t kGreens[16] = {
+            kGreen,     1, kNone, kNone, kGreen + 4,  5,  kNone, kNone,
+            kGreen + 8, 9, kNone, kNone, kGreen + 12, 13, kNone, kNone};
         const Lanes32 lanes;
-        const auto part = [&](Vector32 v, uint32_t mask)
-                              HWY_ATTR { return hn::And(v, hn::Set(lanes, mask)); };
         const hn::Repartition<uint16_t, Lanes32> halves;
-        const auto blueAndRed = hn::BitCast(halves, part(word, 0x00FF00FF));
-        const auto factors = hn::BitCast(halves, hn::Set(lanes, 1u << 2 | 1u << 22));
-        const auto green = hn::ShiftLeft<4>(part(word, 0xFF00)), alpha = part(word, 3u << 30);
-        const auto tens = hn::Or(hn::BitCast(lanes, hn::Mul(blueAndRed, factors)), hn::Or(green, alpha));
-        if constexpr (kWidening != Widening::Double)
-            return tens;
+        const hn::Repartition<uint8_t, Lanes32> bytes;
+        const auto wide = [&](const uint8_t* places) HWY_ATTR {
+            return hn::TableLookupBytesOr0(hn::BitCast(bytes, word), hn::LoadDup128(bytes, places));
+        };
+        const auto factors = hn::BitCast(halves, hn::Set(lanes, 1u << 10 | 1u << 30));
+        const auto blueRed = hn::BitCast(lanes, hn::MulHigh(hn::BitCast(halves, wide(kBlueRed)), factors));
+        const auto green = hn::ShiftLeft<4>(hn::BitCast(lanes, wide(kGreens)));
         return hn::Or(
-            tens, hn::Or(part(hn::ShiftRight<6>(word), 3), hn::Or(part(hn::ShiftRight<4>(word), 3u << 10),
-                                                                  part(hn::ShiftRight<2>(word), 3u << 20))));
+            hn::Or(hn::And(blueRed, hn::Set(lanes, 0x3FF003FFu)), hn::And(green, hn::Set(lanes, 0xFFC00u))),
+            hn::And(word, hn::Set(lanes, 3u << 30)));
     }
 };
 
