@@ -75,7 +75,7 @@ HRESULT VxGetMetricAny(HVXMETRIC metric, int32_t id, uint32_t type, void* data, 
         return S_OK;
 
     constexpr char16_t kEnd = u'\0';
-    const size_t n = std::min(reading.bytes, size);
+    const size_t n = data ? std::min(reading.bytes, size) : 0; // null asks for the size alone
     uint8_t* const text = static_cast<uint8_t*>(data);
     if (n + sizeof kEnd <= size) {
         if (text)

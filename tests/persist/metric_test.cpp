@@ -242,6 +242,8 @@ TEST_F(Metric, AnyTypeIsReadByTheBareNumber)
         char buffer[9] = "????????";
         uint32_t size = 99;
         EXPECT_EQ(VxGetMetricAny(metric_, 6, c.asked, buffer, c.size, &size), c.status) << c.bytes << c.size;
+        EXPECT_EQ(VxGetMetricAny(metric_, 6, c.asked, nullptr, c.size, nullptr),
+                  c.asked == c.type ? S_OK : VX_E_ITEM_NOT_FOUND);
         EXPECT_EQ(size, c.outSize) << c.bytes << c.size;
         EXPECT_EQ(std::memcmp(buffer, c.buffer, 4), 0) << c.bytes << c.size;
     }
