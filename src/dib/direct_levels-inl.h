@@ -7,6 +7,7 @@
 #define VX_DIB_DIRECT_LEVELS_INL_H
 #endif
 
+#include "dib/join_bytes-inl.h"
 #include "exchange/pixels24-inl.h"
 
 HWY_BEFORE_NAMESPACE();
@@ -204,16 +205,9 @@ HWY_INLINE hn::Vec<Bytes16> BytesOf(const float* from, const float* dither, cons
 template <class Level>
 HWY_INLINE Vector8 JoinFourLevels(const Level& level)
 {
-    alignas(16) static constexpr uint8_t kColumns[16] = {0, 4, 8,  12, 1, 5, 9,  13,
-                                                         2, 6, 10, 14, 3, 7, 11, 15};
-    alignas(64) static constexpr int32_t kRows16[16] = {0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15};
-    alignas(32) static constexpr int32_t kRows8[8] = {0, 4, 1, 5, 2, 6, 3, 7};
-    const Lanes8 bytes;
     const auto low = hn::Or(level(0), hn::ShiftLeft<8>(level(1)));
     const auto high = hn::Or(hn::ShiftLeft<16>(level(2)), hn::ShiftLeft<24>(level(3)));
-    const auto joined =
-        hn::TableLookupBytes(hn::BitCast(bytes, hn::Or(low, high)), hn::LoadDup128(bytes, kColumns));
-    return MoveLanes(joined, kLanes == 16 ? kRows16 : kRows8);
+    return InOrder(hn::Or(low, high));
 }
 
 } // namespace

@@ -138,6 +138,7 @@ using LinearBandFn = void (*)(const ScaleJob&, const Strip&, int32_t, int32_t);
 
 #endif // VX_SCALE_LINEAR_PLAIN
 
+#include "dib/join_bytes-inl.h"
 #include "dib/scale_taps-inl.h"
 
 HWY_BEFORE_NAMESPACE();
@@ -290,23 +291,6 @@ HWY_INLINE hn::Vec<Ints> TakeByte(hn::Vec<Ints> mixed)
 HWY_INLINE hn::Vec<Ints> InDoubtWhereZero(hn::Vec<Ints> mixed)
 {
     return hn::And(mixed, hn::Set(Ints(), kSubpixelOne - 2));
-}
-
-// Pixels whose bytes stand in the order of the group's vectors go to their places.
-HWY_INLINE hn::Vec<Bytes> InOrder(hn::Vec<Ints> channels)
-{
-    alignas(16) static constexpr uint8_t kPixels[16] = {0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15};
-    const auto pixels =
-        hn::TableLookupBytes(hn::BitCast(Bytes(), channels), hn::LoadDup128(Bytes(), kPixels));
-    if constexpr (kVectorPixels == 1) {
-        return pixels;
-    } else {
-        HWY_ALIGN int32_t from[kLanes];
-        for (int32_t i = 0; i < kLanes; ++i)
-            from[i] = i % kVectorPixels * 4 + i / kVectorPixels;
-        return hn::BitCast(
-            Bytes(), hn::TableLookupLanes(hn::BitCast(Ints(), pixels), hn::SetTableIndices(Ints(), from)));
-    }
 }
 
 // Writes a group's pixels; false where some are in doubt.
