@@ -359,20 +359,23 @@ void BytesToFloatRowVector(uint8_t* dest, const uint8_t* source, int32_t width, 
 void Bytes3To4RowVector(uint8_t* dest, const uint8_t* source, int32_t width, int32_t y,
                         const VxTransferCurve& curve)
 {
-    const Lanes8 bytes;
-    const auto opaque = hn::BitCast(bytes, hn::Set(hn::Repartition<uint32_t, Lanes8>(), 0xFF000000u));
-    int32_t x = 0;
-    for (; x + kReach24 <= width; x += kPixels24)
-        hn::StoreU(hn::Or(LoadPixels24(source + int64_t(x) * 3), opaque), bytes, dest + int64_t(x) * 4);
+    const auto put = [dest](Vector8 pixels, int64_t x) HWY_ATTR {
+        const auto opaque = hn::BitCast(Lanes8(), hn::Set(hn::Repartition<uint32_t, Lanes8>(), 0xFF000000u));
+        hn::StoreU(hn::Or(pixels, opaque), Lanes8(), dest + x * 4);
+    };
+    const int32_t x = ForPixels24(
+        width, [=](int64_t at) HWY_ATTR { put(LoadPixels24(source + at * 3), at); },
+        [=](int64_t at) HWY_ATTR { put(LoadLastPixels24(source + at * 3), at); });
     Bytes3To4Row(dest + int64_t(x) * 4, source + int64_t(x) * 3, width - x, y, curve);
 }
 
 void Bytes4To3RowVector(uint8_t* dest, const uint8_t* source, int32_t width, int32_t y,
                         const VxTransferCurve& curve)
 {
-    int32_t x = 0;
-    for (; x + kReach24 <= width; x += kPixels24)
-        StorePixels24(hn::LoadU(Lanes8(), source + int64_t(x) * 4), dest + int64_t(x) * 3);
+    const auto get = [source](int64_t x) HWY_ATTR { return hn::LoadU(Lanes8(), source + x * 4); };
+    const int32_t x = ForPixels24(
+        width, [=](int64_t at) HWY_ATTR { StorePixels24(get(at), dest + at * 3); },
+        [=](int64_t at) HWY_ATTR { StoreLastPixels24(get(at), dest + at * 3); });
     Bytes4To3Row(dest + int64_t(x) * 3, source + int64_t(x) * 4, width - x, y, curve);
 }
 

@@ -7,6 +7,7 @@
 #endif
 
 #include <cstdint>
+#include <cstring>
 #include <hwy/highway.h>
 
 HWY_BEFORE_NAMESPACE();
@@ -58,6 +59,36 @@ HWY_INLINE void StorePixels24(Vector8 pixels, uint8_t* to)
     const Lanes8 lanes;
     const auto closed = hn::TableLookupBytesOr0(pixels, hn::LoadDup128(lanes, kClose));
     hn::StoreU(MoveLanes(closed, kPixels24 == 16 ? kBlocks16 : kBlocks8), lanes, to);
+}
+
+// The same within the pixels' own bytes, for the last ones of a row.
+constexpr size_t kBytes24 = 3 * size_t(kPixels24);
+
+HWY_INLINE Vector8 LoadLastPixels24(const uint8_t* from)
+{
+    HWY_ALIGN uint8_t part[4 * kPixels24];
+    std::memcpy(part, from, kBytes24);
+    return LoadPixels24(part);
+}
+
+HWY_INLINE void StoreLastPixels24(Vector8 pixels, uint8_t* to)
+{
+    HWY_ALIGN uint8_t part[4 * kPixels24];
+    StorePixels24(pixels, part);
+    std::memcpy(to, part, kBytes24);
+}
+
+// Calls whole(x) for each vector of a row's pixels that have kReach24 with them, and last(x) for the one behind where there
+// is one; returns the pixel that comes next.
+template <class Whole, class Last>
+HWY_INLINE int32_t ForPixels24(int32_t width, const Whole& whole, const Last& last)
+{
+    int32_t x = 0;
+    for (; x + kReach24 <= width; x += kPixels24)
+        whole(x);
+    for (; x + kPixels24 <= width; x += kPixels24)
+        last(x);
+    return x;
 }
 
 } // namespace

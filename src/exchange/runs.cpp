@@ -190,18 +190,23 @@ struct VectorSteps
     }
     static void Load24(uint32_t* words, const uint8_t* p, int32_t, int32_t n)
     {
-        const auto opaque = hn::BitCast(Lanes8(), hn::Set(Lanes32(), kOpaqueBytes));
-        int32_t i = 0;
-        for (; i + kReach24 <= n; i += kPixels24)
-            hn::StoreU(hn::Or(LoadPixels24(p + 3 * i), opaque), Lanes8(),
-                       reinterpret_cast<uint8_t*>(words + i));
+        const auto put = [words](Vector8 pixels, int32_t i) HWY_ATTR {
+            const auto opaque = hn::BitCast(Lanes8(), hn::Set(Lanes32(), kOpaqueBytes));
+            hn::StoreU(hn::Or(pixels, opaque), Lanes8(), reinterpret_cast<uint8_t*>(words + i));
+        };
+        const int32_t i = ForPixels24(
+            n, [=](int32_t at) HWY_ATTR { put(LoadPixels24(p + 3 * at), at); },
+            [=](int32_t at) HWY_ATTR { put(LoadLastPixels24(p + 3 * at), at); });
         PlainSteps::Load24(words, p, i, n);
     }
     static void Store24(uint8_t* p, const uint32_t* words, int32_t, int32_t n)
     {
-        int32_t i = 0;
-        for (; i + kReach24 <= n; i += kPixels24)
-            StorePixels24(hn::LoadU(Lanes8(), reinterpret_cast<const uint8_t*>(words + i)), p + 3 * i);
+        const auto get = [words](int32_t i) HWY_ATTR {
+            return hn::LoadU(Lanes8(), reinterpret_cast<const uint8_t*>(words + i));
+        };
+        const int32_t i = ForPixels24(
+            n, [=](int32_t at) HWY_ATTR { StorePixels24(get(at), p + 3 * at); },
+            [=](int32_t at) HWY_ATTR { StoreLastPixels24(get(at), p + 3 * at); });
         PlainSteps::Store24(p, words, i, n);
     }
     // Fields of 16 bits, for n pixels from the start of a block: part(word) of each.
