@@ -17,7 +17,7 @@
 
 namespace vx {
 
-constexpr int32_t kRunPixels = 256; // small enough to stay in the first cache beside its row
+constexpr int32_t kRunPixels = 512; // small enough to stay in the first cache beside its row
 
 struct alignas(64) RunBuffer
 {
