@@ -48,13 +48,12 @@ void CopyRowByBytes(const CopyJob& job, const Exchange& exchange, int32_t y)
     ForRuns(job, [&](int32_t x, int32_t count) {
         const uint8_t* const from = job.source.Row(y) + job.source.Bit(x) / 8;
         uint8_t* const to = job.dest.Row(y) + job.dest.Bit(x) / 8;
-        const uint32_t* between = toThere ? reinterpret_cast<uint32_t*>(to) : words;
         if (fromThere)
-            between = reinterpret_cast<const uint32_t*>(from);
-        else
-            runs.readBytes(const_cast<uint32_t*>(between), from, count, exchange.record);
-        if (fromThere || !toThere)
-            runs.writeBytes(to, between, count, exchange.record);
+            return runs.writeBytes(to, reinterpret_cast<const uint32_t*>(from), count, exchange.record);
+        uint32_t* const made = toThere ? reinterpret_cast<uint32_t*>(to) : words;
+        runs.readBytes(made, from, count, exchange.record);
+        if (!toThere)
+            runs.writeBytes(to, made, count, exchange.record);
     });
 }
 
