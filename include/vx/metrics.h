@@ -66,7 +66,7 @@ VX_EXPORT HRESULT VxMetric_CloseAndDeleteKey(HVXMETRIC metric);
 /* ---- Deleting whole keys, in the machine's and then in the user's hive. All return 0 whatever happens. */
 
 /* The application's key of that version, with its metrics and all else below it; the third leaves the
- * machine's hive alone. */
+ * machine's hive alone. Without a name of the application, or a vendor, nothing is deleted. */
 VX_EXPORT HRESULT VxMetric_DeleteAll(const char16_t* app, uint32_t version);
 VX_EXPORT HRESULT VxMetric_DeleteAllHiveAndVersion(const char16_t* app, uint32_t version,
                                                    const char16_t* vendor);
@@ -166,7 +166,7 @@ VX_EXPORT int32_t VxMetricGetName(int32_t id, uint32_t type, char16_t* dst);
 VX_EXPORT uint32_t VxRegGetSubKeyCount(HKEY key, const char16_t* subKey, uint32_t* nameChars);
 
 /* Deletes a key with all below it. Returns 1, also where there is none; 0 where something could not be
- * deleted, and for a hive's root. */
+ * deleted, and for a hive's constant alone. Of a root that is named by an opened handle all below it goes. */
 VX_EXPORT int32_t VxRegDeleteKey(HKEY key, const char16_t* subKey);
 
 VX_EXTERN_C_END

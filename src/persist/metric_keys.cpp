@@ -27,6 +27,12 @@ void DeleteInBothHives(const PathText& path)
     VxRegDeleteKey(HKEY_CURRENT_USER, path.Text());
 }
 
+// Without a name the key would be that of all applications, or of all vendors.
+bool IsNamed(const char16_t* vendor, const char16_t* app)
+{
+    return !ViewOf(vendor).empty() && !ViewOf(app).empty();
+}
+
 // The first sub-key's name; null behind the last.
 const char16_t* FirstSubKey(HKEY key, char16_t (&name)[kMaxPath])
 {
@@ -115,13 +121,15 @@ HRESULT VxMetric_DeleteAll(const char16_t* app, uint32_t version)
 
 HRESULT VxMetric_DeleteAllHiveAndVersion(const char16_t* app, uint32_t version, const char16_t* vendor)
 {
-    DeleteInBothHives(ApplicationKey(vendor, app, version));
+    if (IsNamed(vendor, app))
+        DeleteInBothHives(ApplicationKey(vendor, app, version));
     return S_OK;
 }
 
 HRESULT VxMetric_DeleteUserMetrics(const char16_t* app, uint32_t version)
 {
-    VxRegDeleteKey(HKEY_CURRENT_USER, ApplicationKey(kVendor, app, version).Text());
+    if (IsNamed(kVendor, app))
+        VxRegDeleteKey(HKEY_CURRENT_USER, ApplicationKey(kVendor, app, version).Text());
     return S_OK;
 }
 
@@ -153,7 +161,7 @@ uint32_t VxRegGetSubKeyCount(HKEY key, const char16_t* subKey, uint32_t* nameCha
     return count;
 }
 
-// A key goes only once it has no sub-keys. A hive's root cannot go, and so nothing below it is touched.
+// A key goes only once it has no sub-keys. A hive cannot go, and so nothing below it is touched.
 int32_t VxRegDeleteKey(HKEY key, const char16_t* subKey)
 {
     if (IsHiveRoot(key, subKey))

@@ -332,6 +332,9 @@ TEST(MetricKeys, DeletionsTakeWhatIsBelow)
     } cases[] = {
         {[] { VxMetric_DeleteKey(u"Gone", 0x02000000, u"None"); }, true, true, true, true},
         {[] { VxMetric_DeleteKey(u"Gone", 0x02000000, nullptr); }, false, false, true, true},
+        {[] { VxMetric_DeleteAll(u"", 0); }, true, true, true, true},
+        {[] { VxMetric_DeleteUserMetrics(nullptr, 0); }, true, true, true, true},
+        {[] { VxMetric_DeleteAllHiveAndVersion(u"Gone", 0, u""); }, true, true, true, true},
         {[] { VxMetric_DeleteUserMetrics(u"Gone", 0x02000000); }, true, false, false, true},
         {[] { VxMetric_DeleteAll(u"Gone", 0x02000000); }, false, false, false, true},
         {[] { VxMetric_DeleteAllHiveAndVersion(u"Gone", 0, u"Vexmere Studio Works"); }, false, false, false,
