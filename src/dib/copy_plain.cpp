@@ -18,21 +18,13 @@ void ForRuns(const CopyJob& job, const Run& run)
         run(x, std::min(kRunPixels, job.dest.width - x));
 }
 
-// By what stands between reading and writing: a whole run of it.
-template <class Between, class Read, class Write>
-void CopyRowBetween(const CopyJob& job, const tVXXCHG& record, int32_t y, Read read, Write write)
-{
-    Between between;
-    ForRuns(job, [&](int32_t x, int32_t count) {
-        read(between, job.source.Row(y) + job.source.Bit(x) / 8, count, record);
-        write(job.dest.Row(y) + job.dest.Bit(x) / 8, between, count, record);
-    });
-}
-
 void CopyRowByGray(const CopyJob& job, const Exchange& exchange, int32_t y)
 {
-    using Words = uint16_t[kRunPixels];
-    CopyRowBetween<Words>(job, exchange.record, y, exchange.runs.readGray, exchange.runs.writeGray);
+    alignas(64) uint16_t words[kRunPixels];
+    ForRuns(job, [&](int32_t x, int32_t count) {
+        exchange.runs.readGray(words, job.source.Row(y) + job.source.Bit(x) / 8, count, exchange.record);
+        exchange.runs.writeGray(job.dest.Row(y) + job.dest.Bit(x) / 8, words, count, exchange.record);
+    });
 }
 
 // Bytes in memory are taken and made where they stand, if they are aligned.
@@ -55,11 +47,6 @@ void CopyRowByBytes(const CopyJob& job, const Exchange& exchange, int32_t y)
         if (!toThere)
             runs.writeBytes(to, made, count, exchange.record);
     });
-}
-
-void CopyRowByPlanes(const CopyJob& job, const Exchange& exchange, int32_t y)
-{
-    CopyRowBetween<RunPlanes>(job, exchange.record, y, exchange.runs.readPlanes, exchange.runs.writePlanes);
 }
 
 void CopyRowByPixels(const CopyJob& job, const Exchange& exchange, int32_t y)
@@ -92,14 +79,10 @@ using CopyRowFn = void (*)(const CopyJob& job, const Exchange& exchange, int32_t
 // The way with the least between source and destination.
 CopyRowFn ChooseWay(const CopyJob& job, const RunKernels& runs)
 {
-    if (IsByBlocks(job)) {
-        if (runs.readGray && runs.writeGray)
-            return CopyRowByGray;
-        if (runs.readBytes && runs.writeBytes && !(runs.sourceIsWorking && runs.destIsWorking))
-            return CopyRowByBytes;
-        if (runs.readPlanes && runs.writePlanes)
-            return CopyRowByPlanes;
-    }
+    if (IsByBlocks(job) && runs.readGray)
+        return CopyRowByGray;
+    if (IsByBlocks(job) && runs.readBytes)
+        return CopyRowByBytes;
     return CopyRowByPixels;
 }
 

@@ -57,6 +57,8 @@ public:
             return;
         app.centreTitle = title;
         hook_ = app.centreHook = dialogSteps.installCentring();
+        if (!hook_)
+            app.centreTitle = nullptr;
     }
     ~Centring()
     {

@@ -13,7 +13,8 @@ struct MessageDialog
     const char16_t* details; // null: none
     bool noCancel;           // it cannot be closed
     const char16_t* checkText;
-    int32_t* checkState; // the check box at first, and when the box was closed; null: there is none
+    // The check box at first, and when the box was closed. There is one where VXMB_CHECK_MASK of the flags is VXMB_CHECK.
+    int32_t* checkState;
     const char16_t* title;
     const char16_t* linkUrl; // the link is there where both are
     const char16_t* linkCaption;

@@ -5,6 +5,8 @@
 // uint16_t or float. Word is a pixel as an integer, or as itself where no integer holds it;
 //   Decode<exact>(word, context)   working pixel; exact makes 8-bit channels c 257 c instead of 256 c
 //   Encode(pixel, context)         word
+//   kWidening<exact>               how Decode widens bytes; absent where channels hold more
+//   kTakesHighBytes                Encode reads the high bytes of 16-bit channels alone
 // and Memory<bits> moves words to and from memory. A codec's shape tells the row kernels what they may
 // do with many pixels at once. All is inlined into its callers, and so compiled for their vector target.
 #pragma once
@@ -36,6 +38,19 @@ enum class Shape
     Channels, // each channel is an Element of its own: DecodeElement and EncodeElement do all four
     Same,     // memory holds working pixels
 };
+
+// How 16-bit channels are made of bytes.
+enum class Widening : uint8_t
+{
+    None,   // not: they hold more
+    Shift,  // 256 c
+    Double, // 257 c
+};
+
+constexpr Widening WideningOfBytes(bool exact)
+{
+    return exact ? Widening::Double : Widening::Shift;
+}
 
 // Three 8-bit channels, blue in the low byte of the word, made wider one by one; alpha is full.
 template <class Form>
@@ -177,6 +192,10 @@ template <int32_t kBits>
 struct GrayCodec
 {
     static constexpr Shape kShape = Shape::Gray;
+    template <bool kExact>
+    static constexpr Widening kWidening = kBits == 8  ? WideningOfBytes(kExact)
+                                          : kBits < 8 ? Widening::Double
+                                                      : Widening::None;
 
     template <bool kExact>
     HWY_INLINE static Pixel16 Decode(uint32_t word, const ReadContext&)
@@ -239,6 +258,9 @@ HWY_INLINE uint32_t EntryOf(uint32_t index, const ReadContext& context)
 struct PaletteCodec : OpaqueBytes<PaletteCodec>
 {
     static constexpr Shape kShape = Shape::Palette;
+    static constexpr bool kTakesHighBytes = true;
+    template <bool>
+    static constexpr Widening kWidening = Widening::Shift;
 
     template <bool kExact>
     HWY_INLINE static uint16_t DecodeByte(uint32_t c)
@@ -301,6 +323,9 @@ struct Palette8Codec
 struct Rgb555Codec
 {
     static constexpr Shape kShape = Shape::Word;
+    static constexpr bool kTakesHighBytes = true;
+    template <bool>
+    static constexpr Widening kWidening = Widening::Shift;
 
     template <bool kExact>
     HWY_INLINE static Pixel16 Decode(uint16_t p, const ReadContext&)
@@ -316,6 +341,9 @@ struct Rgb555Codec
 struct Rgb565Codec
 {
     static constexpr Shape kShape = Shape::Word;
+    static constexpr bool kTakesHighBytes = true;
+    template <bool>
+    static constexpr Widening kWidening = Widening::Shift;
 
     template <bool kExact>
     HWY_INLINE static Pixel16 Decode(uint16_t p, const ReadContext&)
@@ -355,6 +383,9 @@ struct Rgb101010Codec
 struct Bytes3Codec : OpaqueBytes<Bytes3Codec>
 {
     static constexpr Shape kShape = Shape::Word;
+    static constexpr bool kTakesHighBytes = true;
+    template <bool kExact>
+    static constexpr Widening kWidening = WideningOfBytes(kExact);
 
     template <bool kExact>
     HWY_INLINE static uint16_t DecodeByte(uint32_t c)
@@ -427,6 +458,10 @@ struct ChannelsCodec : Form
 
 struct ByteElement
 {
+    static constexpr bool kTakesHighBytes = true;
+    template <bool kExact>
+    static constexpr Widening kWidening = WideningOfBytes(kExact);
+
     template <bool kExact>
     HWY_INLINE static uint16_t DecodeElement(uint8_t c, const ReadContext&)
     {

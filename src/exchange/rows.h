@@ -24,13 +24,6 @@ struct alignas(64) RunBuffer
     uint8_t bytes[size_t(kRunPixels) * 16];
 };
 
-// The 16-bit channels of a run apart from each other, which vectors take as they are. A copy that needs no
-// working pixels goes this way between types that have it.
-struct RunPlanes
-{
-    alignas(64) uint16_t blue[kRunPixels], green[kRunPixels], red[kRunPixels], alpha[kRunPixels];
-};
-
 constexpr size_t WorkingPixelBytes(int32_t depth)
 {
     return size_t(4) << depth;
@@ -57,11 +50,8 @@ using SampleRunFn = void (*)(void* pixels, const SampleRow& from, int32_t count,
 using WriteRunFn = void (*)(uint8_t* row, int64_t bit, const void* pixels, int32_t count,
                             const tVXXCHG& record);
 
-// At most kRunPixels, the first of which begins a byte.
-using ReadPlanesFn = void (*)(RunPlanes& planes, const uint8_t* at, int32_t count, const tVXXCHG& record);
-using WritePlanesFn = void (*)(uint8_t* at, const RunPlanes& planes, int32_t count, const tVXXCHG& record);
-
-// The same through less: the high bytes of the channels, blue in the low byte of a word; or the words of gray types.
+// At most kRunPixels, the first of which begins a byte, through less than working pixels: the high bytes of the channels,
+// blue in the low byte of a word; or the words of gray types.
 using ReadBytesFn = void (*)(uint32_t* words, const uint8_t* at, int32_t count, const tVXXCHG& record);
 using WriteBytesFn = void (*)(uint8_t* at, const uint32_t* words, int32_t count, const tVXXCHG& record);
 using ReadGrayFn = void (*)(uint16_t* words, const uint8_t* at, int32_t count, const tVXXCHG& record);
@@ -72,8 +62,6 @@ struct RunKernels
     ReadRunFn read = nullptr;
     SampleRunFn sample = nullptr;
     WriteRunFn write = nullptr;
-    ReadPlanesFn readPlanes = nullptr; // null where the depth or the type has no planes
-    WritePlanesFn writePlanes = nullptr;
     ReadBytesFn readBytes = nullptr; // null where the pair would lose something
     WriteBytesFn writeBytes = nullptr;
     ReadGrayFn readGray = nullptr; // null but between gray types

@@ -15,6 +15,12 @@ namespace vx {
 
 constexpr int32_t kBlock = kRunPixels; // a multiple of what any vector holds
 
+// The 16-bit channels of a block apart from each other, which vectors take as they are.
+struct RunPlanes
+{
+    alignas(64) uint16_t blue[kBlock], green[kBlock], red[kBlock], alpha[kBlock];
+};
+
 HWY_INLINE void SetPixel(RunPlanes& planes, int32_t i, const Pixel16& pixel)
 {
     planes.blue[i] = pixel.blue;
@@ -27,14 +33,6 @@ HWY_INLINE Pixel16 PixelAt(const RunPlanes& planes, int32_t i)
 {
     return {planes.blue[i], planes.green[i], planes.red[i], planes.alpha[i]};
 }
-
-// How 16-bit channels come from bytes.
-enum class Widening : uint8_t
-{
-    None,   // they hold more than a byte
-    Shift,  // 256 c
-    Double, // 257 c
-};
 
 template <Widening kWidening>
 HWY_INLINE Pixel16 WidePixel(uint32_t bytes)
@@ -469,60 +467,6 @@ HWY_INLINE void WriteRun(uint8_t* row, int64_t bit, const void* pixels, int32_t 
     } else {
         context.curve = nullptr;
         WriteAligned<TheCodec, Steps>(p, in, count, context);
-    }
-}
-
-// Types whose pixels come apart into planes at no cost to speak of.
-template <class TheCodec>
-constexpr bool kHasPlanes = std::is_same_v<typename TheCodec::Working, Pixel16> &&
-                            (TheCodec::kShape == Shape::Word || TheCodec::kShape == Shape::Gray ||
-                             TheCodec::kShape == Shape::Palette ||
-                             std::is_same_v<typename TheCodec::Word, Pixel8>);
-
-template <class TheCodec, bool kExact, class Steps>
-HWY_INLINE void ReadPlanes(RunPlanes& planes, const uint8_t* __restrict p, int32_t n, const tVXXCHG& x)
-{
-    const ReadContext context = ReadContextOf(x);
-    if constexpr (TheCodec::kShape == Shape::Channels) {
-        for (int32_t i = 0; i < n; ++i) {
-            const uint32_t word = Memory<32, uint32_t>::Load(p + 4 * i, 0);
-            SetPixel(planes, i, Bytes4Word::Decode<kExact>(word, context));
-        }
-        return;
-    } else if constexpr (TheCodec::kIsFloat) {
-        if (!context.curve) {
-            alignas(64) uint16_t gray[kBlock];
-            Steps::WordsOfFloats(gray, p, 0, n);
-            for (int32_t i = 0; i < n; ++i)
-                SetPixel(planes, i, GrayPixel(gray[i]));
-            return;
-        }
-    }
-    if constexpr (kWordsStand<TheCodec>) {
-        for (int32_t i = 0; i < n; ++i) {
-            const auto word = TheCodec::Place::Load(p + i * int32_t(sizeof(typename TheCodec::Word)), 0);
-            SetPixel(planes, i, DecodeWord<TheCodec, kExact>(word, context));
-        }
-    } else if constexpr (TheCodec::kShape != Shape::Channels) {
-        alignas(64) BlockWord<TheCodec> words[kBlock];
-        ReadWords<TheCodec, Steps>(words, p, n, context);
-        for (int32_t i = 0; i < n; ++i)
-            SetPixel(planes, i, DecodeWord<TheCodec, kExact>(words[i], context));
-    }
-}
-
-template <class TheCodec, class Steps>
-HWY_INLINE void WritePlanes(uint8_t* __restrict p, const RunPlanes& planes, int32_t n, const tVXXCHG& x)
-{
-    WriteContext context = WriteContextOf(x);
-    if constexpr (TheCodec::kShape == Shape::Channels) {
-        for (int32_t i = 0; i < n; ++i)
-            Memory<32, uint32_t>::Store(p + 4 * i, 0, Bytes4Word::Encode(PixelAt(planes, i), context));
-    } else if (TheCodec::kIsFloat && context.curve) {
-        WriteWords<TheCodec, Steps>(p, planes, n, context);
-    } else {
-        context.curve = nullptr; // leaves a loop without a call
-        WriteWords<TheCodec, Steps>(p, planes, n, context);
     }
 }
 

@@ -23,16 +23,13 @@ struct RunTable
 {
     std::array<std::array<ReadRunFn, kTypes>, kKernelRows> read{};
     std::array<std::array<WriteRunFn, kTypes>, kKernelRows> write{};
-    std::array<std::array<ReadPlanesFn, kTypes>, kKernelRows> readPlanes{};
-    std::array<std::array<WritePlanesFn, kTypes>, kKernelRows> writePlanes{};
     std::array<ReadBytesFn, kTypes> readBytes{};
-    std::array<std::array<WriteBytesFn, kTypes>, 2>
-        writeBytes{};                                         // of bytes that were widened by Shift, Double
-    std::array<std::array<ReadGrayFn, kTypes>, 2> readGray{}; // exact in the second row
+    std::array<std::array<WriteBytesFn, kTypes>, 2> writeBytes{}; // the second of bytes to be doubled
+    std::array<std::array<ReadGrayFn, kTypes>, 2> readGray{};     // the second exact
     std::array<WriteGrayFn, kTypes> writeGray{};
 };
 
-// Kernels is PlainKernels, or what a vector target has in its place.
+// Kernels is KernelsBy the steps of a form.
 template <class Kernels, int32_t kRow, int32_t kType>
 constexpr void EnterRuns(RunTable& table)
 {
@@ -40,10 +37,6 @@ constexpr void EnterRuns(RunTable& table)
         using TheCodec = Codec<kType, ChannelOfRow<kRow>>;
         table.read[kRow][kType - kFirstType] = Kernels::template Read<TheCodec, kRow % 2 == 1>;
         table.write[kRow][kType - kFirstType] = Kernels::template Write<TheCodec>;
-        if constexpr (kHasPlanes<TheCodec>) {
-            table.readPlanes[kRow][kType - kFirstType] = Kernels::template ToPlanes<TheCodec, kRow % 2 == 1>;
-            table.writePlanes[kRow][kType - kFirstType] = Kernels::template FromPlanes<TheCodec>;
-        }
     }
 }
 
@@ -52,9 +45,8 @@ constexpr void EnterNarrowRuns(RunTable& table)
 {
     using TheCodec = Codec<kType, uint16_t>;
     constexpr size_t kPlace = size_t(kType - kFirstType);
-    if constexpr (kReadsBytes<TheCodec>)
+    if constexpr (kHasBytes<TheCodec>) {
         table.readBytes[kPlace] = Kernels::template ToBytes<TheCodec>;
-    if constexpr (kWritesBytes<TheCodec>) {
         table.writeBytes[0][kPlace] = Kernels::template FromBytes<TheCodec, Widening::Shift>;
         table.writeBytes[1][kPlace] = Kernels::template FromBytes<TheCodec, Widening::Double>;
     }
@@ -80,53 +72,11 @@ constexpr RunTable
     kRunTable = MakeRunTable<Kernels>(std::make_integer_sequence<int32_t, kKernelRows * kTypes>(),
                                       std::make_integer_sequence<int32_t, kTypes>());
 
-struct PlainKernels
-{
-    template <class TheCodec, bool kExact>
-    static void Read(void* pixels, const uint8_t* row, int64_t bit, int32_t count, const tVXXCHG& x)
-    {
-        ReadRun<TheCodec, kExact, PlainSteps>(pixels, row, bit, count, x);
-    }
-    template <class TheCodec>
-    static void Write(uint8_t* row, int64_t bit, const void* pixels, int32_t count, const tVXXCHG& x)
-    {
-        WriteRun<TheCodec, PlainSteps>(row, bit, pixels, count, x);
-    }
-    template <class TheCodec, bool kExact>
-    static void ToPlanes(RunPlanes& planes, const uint8_t* at, int32_t count, const tVXXCHG& x)
-    {
-        ReadPlanes<TheCodec, kExact, PlainSteps>(planes, at, count, x);
-    }
-    template <class TheCodec>
-    static void FromPlanes(uint8_t* at, const RunPlanes& planes, int32_t count, const tVXXCHG& x)
-    {
-        WritePlanes<TheCodec, PlainSteps>(at, planes, count, x);
-    }
-    template <class TheCodec>
-    static void ToBytes(uint32_t* words, const uint8_t* at, int32_t count, const tVXXCHG& x)
-    {
-        ReadBytes<TheCodec, PlainSteps>(words, at, count, x);
-    }
-    template <class TheCodec, Widening kWidening>
-    static void FromBytes(uint8_t* at, const uint32_t* words, int32_t count, const tVXXCHG& x)
-    {
-        WriteBytes<TheCodec, kWidening, PlainSteps>(at, words, count, x);
-    }
-    template <class TheCodec, bool kExact>
-    static void ToGray(uint16_t* words, const uint8_t* at, int32_t count, const tVXXCHG& x)
-    {
-        ReadGray<TheCodec, kExact, PlainSteps>(words, at, count, x);
-    }
-    template <class TheCodec>
-    static void FromGray(uint8_t* at, const uint16_t* words, int32_t count, const tVXXCHG& x)
-    {
-        WriteGray<TheCodec, PlainSteps>(at, words, count, x);
-    }
-};
+#include "exchange/run_kernels-inl.h"
 
 const RunTable* PlainRuns()
 {
-    return &kRunTable<PlainKernels>;
+    return &kRunTable<KernelsBy<PlainSteps>>;
 }
 
 } // namespace
@@ -209,22 +159,22 @@ struct VectorSteps
             [=](int32_t at) HWY_ATTR { StoreLastPixels24(get(at), p + 3 * at); });
         PlainSteps::Store24(p, words, i, n);
     }
-    // Fields of 16 bits, for n pixels from the start of a block: part(word) of each.
     template <class TheCodec>
     static void BytesOfFields(uint32_t* out, const uint8_t* p, int32_t, int32_t n)
     {
         const Lanes32 lanes;
         const hn::Rebind<uint16_t, Lanes32> halves;
         constexpr bool k565 = TheCodec::kType == VXPIXEL_RGB565;
+        constexpr int kGreenUp = k565 ? 5 : 6, kRedUp = k565 ? 8 : 9;
         const auto blue = hn::Set(lanes, 0xF8u), green = hn::Set(lanes, k565 ? 0xFC00u : 0xF800u),
                    red = hn::Set(lanes, 0xF80000u), opaque = hn::Set(lanes, kOpaqueBytes);
         int32_t i = 0;
         for (; i + kLanes32 <= n; i += kLanes32) {
             const auto word =
                 hn::PromoteTo(lanes, hn::LoadU(halves, reinterpret_cast<const uint16_t*>(p) + i));
-            const auto low = hn::Or(hn::And(hn::ShiftLeft<3>(word), blue),
-                                    hn::And(hn::ShiftLeft < k565 ? 5 : 6 > (word), green));
-            const auto high = hn::Or(hn::And(hn::ShiftLeft < k565 ? 8 : 9 > (word), red), opaque);
+            const auto low =
+                hn::Or(hn::And(hn::ShiftLeft<3>(word), blue), hn::And(hn::ShiftLeft<kGreenUp>(word), green));
+            const auto high = hn::Or(hn::And(hn::ShiftLeft<kRedUp>(word), red), opaque);
             hn::StoreU(hn::Or(low, high), lanes, out + i);
         }
         PlainSteps::BytesOfFields<TheCodec>(out, p, i, n);
@@ -290,12 +240,11 @@ private:
     HWY_INLINE static Vector32 Fields(Vector32 word)
     {
         constexpr bool k565 = TheCodec::kType == VXPIXEL_RGB565;
+        constexpr int kGreenDown = k565 ? 5 : 6, kRedDown = k565 ? 8 : 9;
         const Lanes32 lanes;
         const auto blue = hn::And(hn::ShiftRight<3>(word), hn::Set(lanes, 0x1Fu));
-        const auto green =
-            hn::And(hn::ShiftRight < k565 ? 5 : 6 > (word), hn::Set(lanes, k565 ? 0x7E0u : 0x3E0u));
-        const auto red =
-            hn::And(hn::ShiftRight < k565 ? 8 : 9 > (word), hn::Set(lanes, k565 ? 0xF800u : 0x7C00u));
+        const auto green = hn::And(hn::ShiftRight<kGreenDown>(word), hn::Set(lanes, k565 ? 0x7E0u : 0x3E0u));
+        const auto red = hn::And(hn::ShiftRight<kRedDown>(word), hn::Set(lanes, k565 ? 0xF800u : 0x7C00u));
         return hn::Or(hn::Or(blue, green), red);
     }
     // Fields of ten bits, and two of alpha. Colours are widened to 16 bits by putting their byte behind itself or behind
@@ -327,53 +276,11 @@ private:
     }
 };
 
-struct VectorKernels
-{
-    template <class TheCodec, bool kExact>
-    static void Read(void* pixels, const uint8_t* row, int64_t bit, int32_t count, const tVXXCHG& x)
-    {
-        ReadRun<TheCodec, kExact, VectorSteps>(pixels, row, bit, count, x);
-    }
-    template <class TheCodec>
-    static void Write(uint8_t* row, int64_t bit, const void* pixels, int32_t count, const tVXXCHG& x)
-    {
-        WriteRun<TheCodec, VectorSteps>(row, bit, pixels, count, x);
-    }
-    template <class TheCodec, bool kExact>
-    static void ToPlanes(RunPlanes& planes, const uint8_t* at, int32_t count, const tVXXCHG& x)
-    {
-        ReadPlanes<TheCodec, kExact, VectorSteps>(planes, at, count, x);
-    }
-    template <class TheCodec>
-    static void FromPlanes(uint8_t* at, const RunPlanes& planes, int32_t count, const tVXXCHG& x)
-    {
-        WritePlanes<TheCodec, VectorSteps>(at, planes, count, x);
-    }
-    template <class TheCodec>
-    static void ToBytes(uint32_t* words, const uint8_t* at, int32_t count, const tVXXCHG& x)
-    {
-        ReadBytes<TheCodec, VectorSteps>(words, at, count, x);
-    }
-    template <class TheCodec, Widening kWidening>
-    static void FromBytes(uint8_t* at, const uint32_t* words, int32_t count, const tVXXCHG& x)
-    {
-        WriteBytes<TheCodec, kWidening, VectorSteps>(at, words, count, x);
-    }
-    template <class TheCodec, bool kExact>
-    static void ToGray(uint16_t* words, const uint8_t* at, int32_t count, const tVXXCHG& x)
-    {
-        ReadGray<TheCodec, kExact, VectorSteps>(words, at, count, x);
-    }
-    template <class TheCodec>
-    static void FromGray(uint8_t* at, const uint16_t* words, int32_t count, const tVXXCHG& x)
-    {
-        WriteGray<TheCodec, VectorSteps>(at, words, count, x);
-    }
-};
+#include "exchange/run_kernels-inl.h"
 
 const RunTable* VectorRuns()
 {
-    return &kRunTable<VectorKernels>;
+    return &kRunTable<KernelsBy<VectorSteps>>;
 }
 
 } // namespace
@@ -428,6 +335,30 @@ constexpr SampleTable MakeSampleTable(std::integer_sequence<int32_t, kIndex...>)
 
 constexpr SampleTable kSamples = MakeSampleTable(std::make_integer_sequence<int32_t, kKernelRows * kTypes>());
 
+// What a copy may leave out, by type; the two widenings are without and with VXXCHGF_INTERPOLATE.
+struct TypeTraits
+{
+    bool holdsBytes, takesHighBytes;
+    Widening widening[2];
+};
+
+template <int32_t kType>
+constexpr TypeTraits TraitsOf()
+{
+    using TheCodec = Codec<kType, uint16_t>;
+    return {kHoldsBytes<TheCodec>,
+            TakesHighBytes<TheCodec>(),
+            {WideningBy<TheCodec, false>(), WideningBy<TheCodec, true>()}};
+}
+
+template <int32_t... kPlace>
+constexpr std::array<TypeTraits, kTypes> MakeTraits(std::integer_sequence<int32_t, kPlace...>)
+{
+    return {TraitsOf<kFirstType + kPlace>()...};
+}
+
+constexpr auto kTraits = MakeTraits(std::make_integer_sequence<int32_t, kTypes>());
+
 template <int32_t... kIndex>
 constexpr auto MakeWorkingTable(std::integer_sequence<int32_t, kIndex...>)
 {
@@ -462,10 +393,8 @@ RunKernels SelectRuns(const tVXXCHG& record)
     RunKernels kernels{.read = runs.read[row][source],
                        .sample = kSamples[row][source],
                        .write = runs.write[row][dest],
-                       .readPlanes = runs.readPlanes[row][source],
-                       .writePlanes = runs.writePlanes[row][dest],
-                       .sourceIsBytes = HoldsBytes(record.sourceType),
-                       .destIsBytes = HoldsBytes(record.destType),
+                       .sourceIsBytes = kTraits[source].holdsBytes,
+                       .destIsBytes = kTraits[dest].holdsBytes,
                        .sourceIsWorking = HoldsWorking(int32_t(row), record.sourceType),
                        .destIsWorking = HoldsWorking(int32_t(row), record.destType)};
     const bool exact = row % 2 == 1;
@@ -473,8 +402,9 @@ RunKernels SelectRuns(const tVXXCHG& record)
         kernels.readGray = runs.readGray[exact][source];
         kernels.writeGray = runs.writeGray[dest];
     }
-    const Widening widening = WideningOf(record.sourceType, exact);
-    if (widening != Widening::None || TakesHighBytes(record.destType)) {
+    const Widening widening = kTraits[source].widening[exact];
+    const bool nothingLost = widening != Widening::None || kTraits[dest].takesHighBytes;
+    if (nothingLost && runs.readBytes[source] && runs.writeBytes[0][dest]) {
         kernels.readBytes = runs.readBytes[source];
         kernels.writeBytes = runs.writeBytes[widening == Widening::Double][dest];
     }
