@@ -1,6 +1,7 @@
 // Texts in the user's language, set against a hash table that holds the same texts, and the kernel's start and
 // end, set against the time that a host may notice.
 #include "families.h"
+#include "folder.h"
 #include "lang/strings.h"
 #include "vx/kernel.h"
 #include "vx/lang.h"
@@ -10,8 +11,6 @@
 
 #include <benchmark/benchmark.h>
 #include <chrono>
-#include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <memory>
 #include <stdexcept>
@@ -34,11 +33,7 @@ class HostStrings
 public:
     HostStrings()
     {
-        std::string name = (std::filesystem::temp_directory_path() / "vxbench-XXXXXX").string();
-        if (!mkdtemp(name.data()))
-            throw std::runtime_error("no folder for strings");
-        folder_ = name;
-        const std::filesystem::path file = folder_ / "host.bin";
+        const std::filesystem::path file = folder_.Path() / "host.bin";
         const vxtest::Bytes image = vxtest::ResImage(Resources());
         std::ofstream(file, std::ios::binary)
             .write(reinterpret_cast<const char*>(image.data()), std::streamsize(image.size()));
@@ -50,7 +45,6 @@ public:
     {
         VxLang_Close(handle_);
         FreeLibrary(module_);
-        std::filesystem::remove_all(folder_);
     }
     HostStrings(const HostStrings&) = delete;
     HostStrings& operator=(const HostStrings&) = delete;
@@ -76,7 +70,7 @@ private:
         return blocks;
     }
 
-    std::filesystem::path folder_;
+    Folder folder_;
     HMODULE module_ = nullptr;
     HVXLANG handle_ = nullptr;
 };

@@ -1,12 +1,12 @@
 // Settings, set against the SQLite statement that a host would write for itself: in a file of its own, whose
 // one table has the settings' names as its key.
 #include "families.h"
+#include "folder.h"
 #include "vx/metrics.h"
 
 #include <benchmark/benchmark.h>
 #include <cstdlib>
 #include <cstring>
-#include <filesystem>
 #include <memory>
 #include <sqlite3.h>
 #include <stdexcept>
@@ -24,23 +24,15 @@ class Settings
 public:
     Settings()
     {
-        std::string name = (std::filesystem::temp_directory_path() / "vxbench-XXXXXX").string();
-        if (!mkdtemp(name.data()))
-            throw std::runtime_error("no folder for settings");
-        folder_ = name;
-        setenv("VX_STATE_DIR", name.c_str(), 1);
+        setenv("VX_STATE_DIR", folder_.Path().c_str(), 1);
         VxMetric_Open(&metric_, u"Bench", 0x01000000, nullptr);
     }
-    ~Settings()
-    {
-        VxMetric_Close(metric_);
-        std::filesystem::remove_all(folder_);
-    }
+    ~Settings() { VxMetric_Close(metric_); }
     Settings(const Settings&) = delete;
     Settings& operator=(const Settings&) = delete;
 
     HVXMETRIC Metric() const { return metric_; }
-    std::string File(const char* name) const { return (folder_ / name).string(); }
+    std::string File(const char* name) const { return (folder_.Path() / name).string(); }
 
     // The registry asks for its folder once, so that there is one in all.
     static Settings& Get()
@@ -50,7 +42,7 @@ public:
     }
 
 private:
-    std::filesystem::path folder_;
+    Folder folder_;
     HVXMETRIC metric_ = nullptr;
 };
 

@@ -24,11 +24,7 @@
 
 #include "vx/platform/registry.h"
 #include "vx/platform/stream.h"
-#include "vx/print.h" /* VX_E_BUFFERTOSMALL */
 #include "vx/types.h"
-
-/* "The item was not found." */
-#define VX_E_ITEM_NOT_FOUND ((HRESULT)0x8004E00Au)
 
 /* The most bytes of a metric that is set from a stream. */
 #define VXMETRIC_STREAM_MAX 2048

@@ -14,8 +14,8 @@
  * Plain boxes know the first six sets.
  *
  * Answers are button numbers, VXMB_ID_...; closing a box answers Cancel, or OK where that is the only button. A box
- * without either cannot be closed. 0: an argument was missing and nothing was shown. -1: a custom box could not be
- * made, as is so on systems where the dialog does not exist yet. A plain box that could not be made answers 0.
+ * without either cannot be closed. 0: an argument was missing and nothing was shown, or a plain box could not be made. -1: a
+ * custom box could not be made; none can so far, as the library has no dialogs yet, and only a hook answers them.
  *
  * owner: a window; null: the window that is in front among those of the application's main window, where there is one;
  * VXMB_NO_OWNER: none.

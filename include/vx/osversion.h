@@ -7,8 +7,6 @@
 
 #include "vx/types.h"
 
-#define VX_E_VERSION_NOT_FOUND ((HRESULT)0x8004E00Au)
-
 /* Levels of VxOSVersionOK. */
 #define VXOS_95 0
 #define VXOS_98 1
@@ -42,7 +40,7 @@ VX_EXPORT int32_t VxIsOS64Bit(void);
  *   path      the file
  *   key       name of the text, as u"ProductVersion"
  *   text      receives the text, cut to the capacity and terminated; nothing for a capacity below 1
- * Returns 0; VX_E_VERSION_NOT_FOUND, with nothing written, where there is no such file or text. */
+ * Returns 0; VX_E_ITEM_NOT_FOUND, with nothing written, where there is no such file or text. */
 VX_EXPORT HRESULT VxVersion_GetString(const char16_t* path, const char16_t* key, char16_t* text,
                                       int32_t capacity);
 

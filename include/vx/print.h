@@ -39,9 +39,9 @@
 
 #include <stdarg.h>
 
-/* A grouped number or an unknown token did not fit, or a number has no form for a person. */
-#define VX_E_BUFFERTOSMALL ((HRESULT)0x8004E03Cu)
-#define VX_E_INSUFFICIENT_BUFFER ((HRESULT)0x8007007Au) /* another conversion did not fit */
+/* Beside VX_E_BUFFERTOSMALL, which says that a grouped number or an unknown token did not fit, or that a number has no form
+ * for a person: another conversion did not fit. */
+#define VX_E_INSUFFICIENT_BUFFER ((HRESULT)0x8007007Au)
 
 VX_EXTERN_C_BEGIN
 

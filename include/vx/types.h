@@ -13,5 +13,7 @@
 
 /* Status codes of the library's own, beside those of the platform. */
 #define VX_E_UNSUPPORTED_MEDIA ((HRESULT)0x8004E000u)
+#define VX_E_ITEM_NOT_FOUND ((HRESULT)0x8004E00Au) /* no such key, value, text or resource */
+#define VX_E_BUFFERTOSMALL ((HRESULT)0x8004E03Cu)  /* the result does not fit */
 
 #endif

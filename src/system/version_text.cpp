@@ -53,11 +53,11 @@ HRESULT VxVersion_GetString(const char16_t* path, const char16_t* key, char16_t*
 {
     const DWORD bytes = GetFileVersionInfoSizeW(path, nullptr);
     if (bytes == 0)
-        return VX_E_VERSION_NOT_FOUND;
+        return VX_E_ITEM_NOT_FOUND;
     const std::unique_ptr<std::byte[]> block(new (std::nothrow) std::byte[bytes]);
     std::u16string_view found;
     if (!block || !GetFileVersionInfoW(path, 0, bytes, block.get()) || !vx::FindText(block.get(), key, found))
-        return VX_E_VERSION_NOT_FOUND;
+        return VX_E_ITEM_NOT_FOUND;
     vx::CopyCut(found, text, capacity);
     return S_OK;
 }

@@ -107,8 +107,8 @@ TEST(VersionText, IsReadAndCut)
     }
     char16_t text[] = u"#";
     const std::u16string longKey = u"ProductVersion" + std::u16string(200, u'x');
-    EXPECT_EQ(VxVersion_GetString(path.c_str(), u"Missing", text, 1), VX_E_VERSION_NOT_FOUND);
-    EXPECT_EQ(VxVersion_GetString(path.c_str(), longKey.c_str(), text, 1), VX_E_VERSION_NOT_FOUND);
-    EXPECT_EQ(VxVersion_GetString(u"C:\\missing", u"ProductVersion", text, 1), VX_E_VERSION_NOT_FOUND);
+    EXPECT_EQ(VxVersion_GetString(path.c_str(), u"Missing", text, 1), VX_E_ITEM_NOT_FOUND);
+    EXPECT_EQ(VxVersion_GetString(path.c_str(), longKey.c_str(), text, 1), VX_E_ITEM_NOT_FOUND);
+    EXPECT_EQ(VxVersion_GetString(u"C:\\missing", u"ProductVersion", text, 1), VX_E_ITEM_NOT_FOUND);
     EXPECT_EQ(text[0], u'#');
 }

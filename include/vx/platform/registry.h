@@ -30,13 +30,6 @@
 #include "vx/platform/lasterror.h"
 #include "vx/platform/types.h"
 
-#define ERROR_DISK_FULL 112u
-#define ERROR_BAD_PATHNAME 161u
-#define ERROR_BUSY 170u
-#define ERROR_BADDB 1009u
-#define ERROR_REGISTRY_IO_FAILED 1016u
-#define ERROR_KEY_DELETED 1018u
-
 typedef HANDLE HKEY;
 typedef DWORD REGSAM;  /* KEY_ rights */
 typedef DWORD LSTATUS; /* 0 or an ERROR_ code */
