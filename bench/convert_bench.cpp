@@ -9,6 +9,8 @@
 #include "vx/dibcopy.h"
 #include "vx/vxkernel.h"
 
+#include <vector>
+
 #if VX_BENCH_LIBYUV
 #include <libyuv/convert_argb.h>
 #include <libyuv/convert_from_argb.h>
@@ -198,13 +200,15 @@ void ConvertBesidePeers(Work& work, const Job& job)
     IF_ZIMG(AddZimg(work, job);)
 }
 
-// The cost of a pixel, set against that of one in a tile which stays in the inner caches.
+// The cost of a pixel, set against that of one in many tiles, which fill as much memory.
 void ConvertBesideTiles(Work& work, const Job& job)
 {
     work.Vx(LibraryCall(BitmapsOf(work, job, work.size()), job));
-    const Call tile = LibraryCall(BitmapsOf(work, job, kTile), job);
-    work.Floor("tiles", [tile, tiles = work.size().Pixels() / kTile.Pixels()] {
-        for (int64_t i = 0; i < tiles; ++i)
+    std::vector<Call> tiles;
+    for (int64_t i = 0; i < work.size().Pixels() / kTile.Pixels(); ++i)
+        tiles.push_back(LibraryCall(BitmapsOf(work, job, kTile), job));
+    work.Floor("tiles", [tiles = std::move(tiles)] {
+        for (const Call& tile : tiles)
             tile();
     });
 }

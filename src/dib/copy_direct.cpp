@@ -39,8 +39,9 @@ constexpr int64_t kJoinedBytes = 64 * 1024;
 
 int32_t JoinedRows(const CopyJob& job)
 {
-    const bool gapless = job.dest.stride == job.dest.RowBytes() && job.source.stride == job.source.RowBytes();
-    return gapless ? int32_t(std::max<int64_t>(kJoinedBytes / job.dest.RowBytes(), 1)) : 1;
+    return job.dest.IsGapless() && job.source.IsGapless()
+               ? int32_t(std::max<int64_t>(kJoinedBytes / job.dest.RowBytes(), 1))
+               : 1;
 }
 
 enum class Rows
@@ -67,7 +68,7 @@ void RunRows(const CopyJob& job, DirectRowFn row, const PathCurve& path, Rows ro
 void CopyBytes(const CopyJob& job)
 {
     const int64_t rowBytes = job.dest.RowBytes();
-    if (job.dest.stride == job.source.stride && job.dest.stride == rowBytes) {
+    if (job.dest.IsGapless() && job.source.IsGapless()) {
         std::memcpy(job.dest.Bytes(0), job.source.Bytes(0), size_t(job.dest.AllBytes()));
         return;
     }

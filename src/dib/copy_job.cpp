@@ -36,6 +36,21 @@ CopyJob::CopyJob(const CopyCall& call, const DibRows<uint8_t>& destRows, const R
       y(source.height, dest.height, call.IsFine()), destHeader(call.destHeader)
 {}
 
+// So many pixels that a run more does not overflow.
+constexpr int64_t kMostJoined = INT32_MAX - kLongRunPixels;
+
+CopyJob CopyJob::Joined() const
+{
+    const int64_t pixels = int64_t(dest.width) * dest.height;
+    const bool joins = IsByBytes() && dest.IsGapless() && source.IsGapless() && pixels <= kMostJoined;
+    CopyJob joined = *this;
+    if (joins) {
+        joined.dest.width = joined.source.width = int32_t(pixels);
+        joined.dest.height = joined.source.height = 1;
+    }
+    return joined;
+}
+
 SourceReader::SourceReader(const CopyJob& job, const Exchange& exchange)
     : job_(job), exchange_(exchange), scaled_(job.IsScaled())
 {

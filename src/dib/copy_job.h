@@ -83,6 +83,12 @@ struct PixelRows
     Byte* Bytes(int64_t y) const { return Row(y) + left / 8; }
     int64_t RowBytes() const { return int64_t(width) * bits / 8; }
     int64_t AllBytes() const { return RowBytes() * height; }
+    bool IsGapless() const { return int64_t(width) * bits == int64_t(stride) * 8; }
+    void DropColumns(int32_t columns)
+    {
+        left += int64_t(columns) * bits;
+        width -= columns;
+    }
 };
 
 // Null pixels are those behind the header, which are the caller's to write.
@@ -174,6 +180,18 @@ struct CopyJob
     CopyJob(const CopyCall& call, const DibRows<uint8_t>& destRows, const RECT& destRect,
             const DibRows<const uint8_t>& sourceRows, const RECT& sourceRect, const RECT& clipAmounts);
     bool IsScaled() const { return dest.width != source.width || dest.height != source.height; }
+    // Unscaled, and rows begin with a byte on both sides.
+    bool IsByBytes() const { return !IsScaled() && dest.left % 8 == 0 && source.left % 8 == 0; }
+    // Rows that follow each other without a gap in both bitmaps as one; else the copy as it is.
+    CopyJob Joined() const;
+    // An unscaled copy from a column on.
+    CopyJob From(int32_t column) const
+    {
+        CopyJob rest = *this;
+        rest.dest.DropColumns(column);
+        rest.source.DropColumns(column);
+        return rest;
+    }
 };
 
 // The source's pixels as working pixels, a run of a destination row at a time.
@@ -198,6 +216,10 @@ void CopyPlain(const CopyJob& job, Exchange& exchange);
 void CopySoft(const CopyJob& job, const CopyCall& call, const uint8_t* map);
 // False where no direct path serves the pair.
 bool CopyDirect(const CopyJob& job, Exchange& exchange);
+// Unscaled, from pixels of at most a byte. False where a table would not pay.
+bool CopyByTable(const CopyJob& job, const Exchange& exchange);
+// Any copy but with soft edges, by runs of pixels.
+void CopyRuns(const CopyJob& job, const Exchange& exchange);
 // Rectangles in sub-pixel coordinates, null for whole bitmaps.
 void CopySubpixel(const CopyCall& call, const RECT* destRect, const RECT* sourceRect);
 

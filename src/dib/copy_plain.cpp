@@ -4,18 +4,12 @@
 namespace vx {
 namespace {
 
-// Unscaled, from bytes to bytes.
-bool IsByBlocks(const CopyJob& job)
-{
-    return !job.IsScaled() && job.dest.left % 8 == 0 && job.source.left % 8 == 0;
-}
-
 // Calls run(x, count) for each run of a row.
 template <class Run>
-void ForRuns(const CopyJob& job, const Run& run)
+void ForRuns(const CopyJob& job, const Run& run, int32_t longest = kRunPixels)
 {
-    for (int32_t x = 0; x < job.dest.width; x += kRunPixels)
-        run(x, std::min(kRunPixels, job.dest.width - x));
+    for (int32_t x = 0; x < job.dest.width; x += longest)
+        run(x, std::min(longest, job.dest.width - x));
 }
 
 void CopyRowByGray(const CopyJob& job, const Exchange& exchange, int32_t y)
@@ -37,7 +31,8 @@ void CopyRowByBytes(const CopyJob& job, const Exchange& exchange, int32_t y)
     };
     const bool fromThere = stands(runs.sourceIsBytes, job.source.Bytes(y));
     const bool toThere = stands(runs.destIsBytes, job.dest.Bytes(y));
-    ForRuns(job, [&](int32_t x, int32_t count) {
+    const bool runsLong = (fromThere && runs.destRunsLong) || (toThere && runs.sourceRunsLong);
+    const auto copyRun = [&](int32_t x, int32_t count) {
         const uint8_t* const from = job.source.Row(y) + job.source.Bit(x) / 8;
         uint8_t* const to = job.dest.Row(y) + job.dest.Bit(x) / 8;
         if (fromThere)
@@ -46,7 +41,8 @@ void CopyRowByBytes(const CopyJob& job, const Exchange& exchange, int32_t y)
         runs.readBytes(made, from, count, exchange.record);
         if (!toThere)
             runs.writeBytes(to, made, count, exchange.record);
-    });
+    };
+    ForRuns(job, copyRun, runsLong ? kLongRunPixels : kRunPixels);
 }
 
 void CopyRowByPixels(const CopyJob& job, const Exchange& exchange, int32_t y)
@@ -79,22 +75,29 @@ using CopyRowFn = void (*)(const CopyJob& job, const Exchange& exchange, int32_t
 // The way with the least between source and destination.
 CopyRowFn ChooseWay(const CopyJob& job, const RunKernels& runs)
 {
-    if (IsByBlocks(job) && runs.readGray)
+    if (job.IsByBytes() && runs.readGray)
         return CopyRowByGray;
-    if (IsByBlocks(job) && runs.readBytes)
+    if (job.IsByBytes() && runs.readBytes)
         return CopyRowByBytes;
     return CopyRowByPixels;
 }
 
 } // namespace
 
+void CopyRuns(const CopyJob& job, const Exchange& exchange)
+{
+    const CopyRowFn copyRow = ChooseWay(job, exchange.runs);
+    for (int32_t y = 0; y < job.dest.height; ++y)
+        copyRow(job, exchange, y);
+}
+
 void CopyPlain(const CopyJob& job, Exchange& exchange)
 {
     if (!job.IsScaled() && CopyDirect(job, exchange))
         return;
-    const CopyRowFn copyRow = ChooseWay(job, exchange.runs);
-    for (int32_t y = 0; y < job.dest.height; ++y)
-        copyRow(job, exchange, y);
+    const CopyJob joined = job.Joined();
+    if (!CopyByTable(joined, exchange))
+        CopyRuns(joined, exchange);
 }
 
 } // namespace vx

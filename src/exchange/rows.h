@@ -18,6 +18,7 @@
 namespace vx {
 
 constexpr int32_t kRunPixels = 512; // small enough to stay in the first cache beside its row
+constexpr int32_t kLongRunPixels = 1 << 20;
 
 struct alignas(64) RunBuffer
 {
@@ -50,8 +51,8 @@ using SampleRunFn = void (*)(void* pixels, const SampleRow& from, int32_t count,
 using WriteRunFn = void (*)(uint8_t* row, int64_t bit, const void* pixels, int32_t count,
                             const tVXXCHG& record);
 
-// At most kRunPixels, the first of which begins a byte, through less than working pixels: the high bytes of the channels,
-// blue in the low byte of a word; or the words of gray types.
+// The first pixel begins a byte; through less than working pixels: the high bytes of the channels, blue in the low byte of
+// a word; or the words of gray types. At most kRunPixels, or kLongRunPixels of types that RunKernels says.
 using ReadBytesFn = void (*)(uint32_t* words, const uint8_t* at, int32_t count, const tVXXCHG& record);
 using WriteBytesFn = void (*)(uint8_t* at, const uint32_t* words, int32_t count, const tVXXCHG& record);
 using ReadGrayFn = void (*)(uint16_t* words, const uint8_t* at, int32_t count, const tVXXCHG& record);
@@ -69,6 +70,8 @@ struct RunKernels
     // Memory holds what readBytes gives, or working pixels: reading or writing is copying.
     bool sourceIsBytes = false, destIsBytes = false;
     bool sourceIsWorking = false, destIsWorking = false;
+    // readBytes or writeBytes takes long runs.
+    bool sourceRunsLong = false, destRunsLong = false;
 };
 
 // The kernels that belong to a record which VxXCHGGetFunctionPointers has filled.

@@ -338,7 +338,7 @@ constexpr SampleTable kSamples = MakeSampleTable(std::make_integer_sequence<int3
 // What a copy may leave out, by type; the two widenings are without and with VXXCHGF_INTERPOLATE.
 struct TypeTraits
 {
-    bool holdsBytes, takesHighBytes;
+    bool holdsBytes, takesHighBytes, runsLong;
     Widening widening[2];
 };
 
@@ -348,6 +348,7 @@ constexpr TypeTraits TraitsOf()
     using TheCodec = Codec<kType, uint16_t>;
     return {kHoldsBytes<TheCodec>,
             TakesHighBytes<TheCodec>(),
+            TheCodec::kShape == Shape::Word, // which need no block of words between
             {WideningBy<TheCodec, false>(), WideningBy<TheCodec, true>()}};
 }
 
@@ -396,7 +397,9 @@ RunKernels SelectRuns(const tVXXCHG& record)
                        .sourceIsBytes = kTraits[source].holdsBytes,
                        .destIsBytes = kTraits[dest].holdsBytes,
                        .sourceIsWorking = HoldsWorking(int32_t(row), record.sourceType),
-                       .destIsWorking = HoldsWorking(int32_t(row), record.destType)};
+                       .destIsWorking = HoldsWorking(int32_t(row), record.destType),
+                       .sourceRunsLong = kTraits[source].runsLong,
+                       .destRunsLong = kTraits[dest].runsLong};
     const bool exact = row % 2 == 1;
     if (runs.readGray[exact][source] && runs.writeGray[dest]) {
         kernels.readGray = runs.readGray[exact][source];

@@ -1,9 +1,10 @@
 // Every pump of VxDibCopy against the slow model, on random pictures, rectangles and flags.
 #include "support/copy_model.h"
-#include "support/vector_levels.h"
+#include "support/forms.h"
 #include "vx/scale.h"
 
 #include <gtest/gtest.h>
+#include <map>
 
 namespace {
 
@@ -110,6 +111,24 @@ TEST(DibCopy, EveryPairOfTypesInEveryForm)
             ExpectModel(dest, source, {RECT{left, 0, left + width, 2}, {}, i % 4 < 2 ? 1u : 4u});
             ASSERT_FALSE(HasFatalFailure()) << level.name;
         }
+    }
+}
+
+// From as many bytes as make a table worth its while, with a rest in each row and without.
+TEST(DibCopy, NarrowSourcesInEveryForm)
+{
+    for (const VectorLevel& level : AllForms()) {
+        const OnlyLevel only(level);
+        for (const auto& [type, inByte] :
+             std::map<int32_t, int32_t>{{16, 8}, {18, 4}, {19, 2}, {23, 2}, {24, 1}})
+            for (int32_t i = 0; i < kTypes; ++i) {
+                Random random{uint64_t(type * kTypes + i)};
+                const int32_t width = inByte * 704 + (i % 2) * random.Int(1, 70);
+                const Picture source(type, width, 6, Rows::Tight, random);
+                ExpectModel(Picture(16 + i, width, 6, Rows::Tight, random), source,
+                            {{}, {}, kQualities[random.Int(0, 7)]});
+                ASSERT_FALSE(HasFatalFailure()) << level.name;
+            }
     }
 }
 
