@@ -96,17 +96,6 @@ TEST(ListMemory, FailedOperationsChangeNothing)
             n - 1);
 }
 
-TEST(ListMemory, FailedShrinkDoesNotFailTheDeletion)
-{
-    List list(kArray);
-    EXPECT_EQ(VxList_ArrayForceItemCount(list, 2000, 0), S_OK);
-    VxPlatform_FailAllocationAt(1);
-    EXPECT_EQ(VxList_DeleteList(list, 0, 1999, 1), S_OK);
-    VxPlatform_FailAllocationAt(0);
-    EXPECT_EQ(list->count, 1);
-    EXPECT_EQ(list->allocated, 2000);
-}
-
 TEST(ListMemory, AMoveBetweenListsThatStopsHasMovedTheLastItems)
 {
     List dst(kHeapItems, {1, 2}), src(kHeapItems);

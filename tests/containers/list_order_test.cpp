@@ -193,16 +193,4 @@ TEST_P(ListOrder, SortToInsertsOneByOne)
 
 INSTANTIATE_TEST_SUITE_P(EveryKind, ListOrder, testing::ValuesIn(kAllKinds));
 
-TEST(ListSort, ANullCallbackOnlyStoresTheCriteria)
-{
-    const List list(kPointers, {3, 1, 2}), source(kPointers, {3});
-    constexpr int64_t kWide = 0x123456789ABCDEF0;
-    EXPECT_EQ(VxList_SortTo(list, source, kWide, nullptr), S_OK);
-    EXPECT_EQ(VxList_GetSortCriteria(list), kWide);
-    EXPECT_EQ(VxList_Sort(list, 1, nullptr), S_OK);
-    EXPECT_EQ(VxList_HeapSort(list, 1, nullptr), S_OK);
-    EXPECT_EQ(VxList_GetSortCriteria(list), 1);
-    EXPECT_EQ(list.Values(), (std::vector<int64_t>{3, 1, 2}));
-}
-
 } // namespace

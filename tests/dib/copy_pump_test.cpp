@@ -149,28 +149,6 @@ TEST(DibCopy, RowsOfSeveralRuns)
     }
 }
 
-// A rectangle of whole pixels in sub-pixel coordinates is the same call as in pixels.
-TEST(DibCopy, SubpixelCoordinatesWithoutFractionsArePixels)
-{
-    Random random;
-    for (const int32_t type : {17, 24, 27, 29, 32}) {
-        const Picture source(type, 9, 8, Rows::Wide, random), dest(type, 11, 10, Rows::Tight, random);
-        for (const uint32_t flags : {1u, 3u, 3u | VXDIBF_BICUBIC}) {
-            const uint32_t unit = 16384, odd = flags == 1 ? 5000 : 0; // low quality drops fractions
-            const auto units = [&](const RECT& r) {
-                return RECT{LONG(r.left * unit + odd), LONG(r.top * unit), LONG(r.right * unit + odd),
-                            LONG(r.bottom * unit)};
-            };
-            const RECT to{1, 2, 10, 7}, from{0, 1, 9, 8};
-            Picture want = dest, got = dest;
-            ASSERT_EQ(Copy(want, source, {to, from, flags}), S_OK);
-            ASSERT_EQ(Copy(got, source, {units(to), units(from), flags | VXDIBF_SUBPIXEL}), S_OK);
-            ASSERT_EQ(got, want);
-            ASSERT_FALSE(got == dest);
-        }
-    }
-}
-
 // The pairs of the scaling functions go there: enlarging blends neighbours, whatever the pump.
 TEST(DibCopy, ScalablePairsAreScaledByTheScalingFunctions)
 {

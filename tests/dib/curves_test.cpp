@@ -129,30 +129,4 @@ TEST(Curves, ATableWithoutMemoryIsMissingAndTheRestStands)
     EXPECT_EQ(GlobalHandle(table), nullptr);
 }
 
-TEST(Curves, DevicesGetTheParametersAndTheSide)
-{
-    constexpr struct
-    {
-        double source, dest;
-        int32_t mode;
-        float exponent;
-    } kCases[] = {{0.0, 0.0, 0, 1.0f},
-                  {1.0, 0.0, -1, 0.45f},
-                  {0.0, 1.0, 1, 1.0f / 0.45f},
-                  {8.0, 1.0, 1, 4.0f},
-                  {1.0, 1.0009, 0, float(1.0 / 1.0009)},
-                  {1.0, 1.002, -1, float(1.0 / 1.002)},
-                  {0.1, 100.0, -1, 0.125f}};
-    for (const auto& c : kCases) {
-        const vx::DeviceCurve device = vx::CurveForDevice(c.source, c.dest);
-        Curve curve(c.exponent);
-        EXPECT_EQ(device.mode, c.mode) << c.source << " / " << c.dest;
-        const float want[] = {
-            curve->exponent, curve->knee, curve->offset, curve->scale, curve->slope, 0, 0, 0};
-        for (int32_t i = 0; i < 8; ++i)
-            EXPECT_FLOAT_EQ(device.parameters[i], want[i])
-                << c.source << " / " << c.dest << ", parameter " << i;
-    }
-}
-
 } // namespace

@@ -69,20 +69,6 @@ TEST(CopyInterlace, EveryWidthInEveryForm)
         }
 }
 
-TEST(CopyInterlace, KeepsTheFieldOfTheLowestRows)
-{
-    Random random;
-    Picture source(20, 1, 4, Rows::Tight, random), dest(20, 1, 4, Rows::Tight, random);
-    const uint8_t rows[] = {10, 250, 21, 0}; // in memory
-    for (int32_t y = 0; y < 4; ++y)
-        source.Row(y)[0] = rows[y];
-    ASSERT_EQ(CopyInterlace(dest, nullptr, source, nullptr, 0, 3), S_OK);
-    EXPECT_EQ(dest.Row(0)[0], 10);
-    EXPECT_EQ(dest.Row(1)[0], 15); // (10 + 21) / 2
-    EXPECT_EQ(dest.Row(2)[0], 21);
-    EXPECT_EQ(dest.Row(3)[0], 21); // from row 2 alone
-}
-
 TEST(CopyInterlace, ThreadsDoNotShow)
 {
     Random random;
@@ -164,22 +150,6 @@ TEST(MergeFields, TakesEverySecondRowOrColumn)
                     ASSERT_EQ(got, want)
                         << "type " << type << ", size " << size << ", field " << field << rotated;
                 }
-}
-
-TEST(MergeFields, ComparesDepthAndSizeOnly)
-{
-    Random random;
-    const Picture source(28, 4, 4, Rows::Tight, random);
-    for (const auto merge : {VxDibMergeFields, VxDibMergeFieldsRotated}) {
-        const auto status = [&](int32_t type, int32_t width, int32_t height) {
-            Picture dest(type, width, height, Rows::Tight, random);
-            return merge(dest.Header(), dest.Pixels(), 0, source.Header(), source.Pixels(), 0, 1);
-        };
-        EXPECT_EQ(status(30, 4, 4), S_OK);
-        EXPECT_EQ(status(27, 4, 4), E_NOTIMPL);
-        EXPECT_EQ(status(28, 5, 4), E_NOTIMPL);
-        EXPECT_EQ(status(28, 4, 3), E_NOTIMPL);
-    }
 }
 
 } // namespace

@@ -121,27 +121,6 @@ TEST(Quantizer, ATableThatNeverFitsGetsItsFirstEntries)
         CheckQuantizer(source, nullptr, entries, 3, random);
 }
 
-TEST(Quantizer, ChecksComeInOrderAndLeaveTheTable)
-{
-    Random random;
-    Picture rgb(VXPIXEL_RGB24, 4, 4, Rows::Tight, random), yuv(VXPIXEL_UYVY, 4, 4, Rows::Tight, random),
-        dest(VXPIXEL_PAL8, 4, 4, Rows::Tight, random, false, 8);
-    const std::vector<RGBQUAD> before(dest.Table(), dest.Table() + 8);
-    const RECT nothing{9, 9, 12, 12};
-    const auto quantize = [&](Picture& to, Picture& from, const RECT* area) {
-        return VxDibQuantizePalette(to.Header(), from.Header(), from.Pixels(), area, 0, 1);
-    };
-    EXPECT_EQ(quantize(rgb, yuv, &nothing), E_NOTIMPL);
-    EXPECT_EQ(quantize(rgb, rgb, &nothing), S_OK);
-    EXPECT_EQ(quantize(rgb, rgb, nullptr), E_NOTIMPL);
-    EXPECT_EQ(quantize(dest, rgb, &nothing), S_OK);
-    VxPlatform_FailAllocationAt(1);
-    EXPECT_EQ(quantize(dest, rgb, nullptr), E_OUTOFMEMORY);
-    dest.Header()->biClrUsed = 0;
-    EXPECT_EQ(quantize(dest, rgb, nullptr), E_INVALIDARG);
-    EXPECT_EQ(std::memcmp(dest.Table(), before.data(), 32), 0);
-}
-
 // The flood as it is told: whole walks over a cube with a generation for every cell.
 std::vector<uint8_t> FloodModel(const RGBQUAD* table, uint32_t entries)
 {
@@ -185,21 +164,6 @@ TEST(ColourMap, IsTheFlood)
         ASSERT_EQ(std::memcmp(map, want.data(), want.size()), 0) << entries;
         EXPECT_EQ(GlobalFree(GlobalHandle(map)), nullptr);
     }
-}
-
-TEST(ColourMap, RefusalsClearTheResult)
-{
-    Random random;
-    Picture bitmap(VXPIXEL_PAL8, 1, 1, Rows::Tight, random, false, 2);
-    uint8_t byte = 0;
-    uint8_t* map = &byte;
-    VxPlatform_FailAllocationAt(1);
-    EXPECT_EQ(VxDibCreateColorQuantizer(&map, bitmap.Header()), E_OUTOFMEMORY);
-    EXPECT_EQ(map, nullptr);
-    bitmap.Header()->biClrUsed = 0;
-    map = &byte;
-    EXPECT_EQ(VxDibCreateColorQuantizer(&map, bitmap.Header()), E_INVALIDARG);
-    EXPECT_EQ(map, nullptr);
 }
 
 } // namespace

@@ -40,37 +40,6 @@ Prepared Prepare(SIZE dest, const RECT* destIn, SIZE source, const RECT* sourceI
     return out;
 }
 
-// The random pairs below have all other cases; these say which length divides, and what is nothing.
-constexpr struct
-{
-    const char* name;
-    SIZE dest;
-    RECT destIn;
-    SIZE source;
-    RECT sourceIn, wantDest, wantSource, wantClip;
-} kRectsCases[] = {
-    // clang-format off
-    {"the divisor is the bitmap that cuts", {100, 100}, {-10, 0, 10, 100}, {50, 50}, {0, 0, 40, 50},
-     {0, 0, 10, 100}, {4, 0, 40, 50}, {4, 0, 0, 0}},
-    {"both cuts are of the whole width", {100, 10}, {-10, 0, 120, 10}, {80, 10}, {0, 0, 80, 10},
-     {0, 0, 100, 10}, {8, 0, 64, 10}, {8, 0, 16, 0}},
-    {"inverted", {10, 10}, {5, 0, 2, 10}, {10, 10}, {0, 0, 3, 10}, {}, {}, {}},
-    {"empty inside", {10, 10}, {0, 0, 3, 3}, {10, 10}, {2, 2, 2, 5}, {}, {}, {}},
-    {"far ends do not overflow", {100, 100}, {-1, 0, 99, 100}, {100, 100}, {INT32_MIN, 0, INT32_MAX, 100},
-     {}, {}, {}},
-    // clang-format on
-};
-
-TEST(Rects, Table)
-{
-    for (const auto& c : kRectsCases) {
-        const Prepared got = Prepare(c.dest, &c.destIn, c.source, &c.sourceIn);
-        EXPECT_EQ(got.dest, c.wantDest) << c.name;
-        EXPECT_EQ(got.source, c.wantSource) << c.name;
-        EXPECT_EQ(got.clip, c.wantClip) << c.name;
-    }
-}
-
 TEST(Rects, NullRectanglesAreTheWholeBitmapAgain)
 {
     const RECT beyond{-5, 0, 5, 10}, away{50, 50, 60, 60};
@@ -131,15 +100,6 @@ TEST(Rects, RandomPairsFollowTheModel)
         kept += some;
     }
     EXPECT_GT(kept, 10000);
-}
-
-TEST(Rects, OutputsMayBeTheInputsAndTheClipMayBeNull)
-{
-    const BITMAPINFOHEADER d = SizedHeader(100, 100), s = SizedHeader(50, 50);
-    RECT dest{-10, 0, 10, 100}, source{0, 0, 40, 50};
-    VxDibPrepareRects(&d, &dest, &dest, &s, &source, &source, nullptr);
-    EXPECT_EQ(dest, (RECT{0, 0, 10, 100}));
-    EXPECT_EQ(source, (RECT{4, 0, 40, 50}));
 }
 
 } // namespace

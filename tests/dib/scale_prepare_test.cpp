@@ -21,11 +21,6 @@ namespace {
 
 constexpr int32_t kOne = 16384;
 
-constexpr RECT Pixels(int32_t left, int32_t top, int32_t right, int32_t bottom)
-{
-    return {left * kOne, top * kOne, right * kOne, bottom * kOne};
-}
-
 struct Side
 {
     int32_t first, last;
@@ -97,17 +92,6 @@ TEST(PrepareSubpixelParam, Table)
         }
 }
 
-TEST(PrepareSubpixelParam, NullRectanglesAreTheFrames)
-{
-    const SIZE dest{6, 4}, source{3, 8};
-    VxSubpixelParam p;
-    ASSERT_EQ(VxPrepareSubpixelParam(&p, nullptr, &dest, 24, nullptr, nullptr, &source, 12, nullptr), 1);
-    EXPECT_EQ(p.destRect, Pixels(0, 0, 6, 4));
-    EXPECT_EQ(p.sourceBounds, Pixels(0, 0, 3, 8));
-    EXPECT_EQ(p.stepX, 2 * kOne / 5);
-    EXPECT_EQ(p.stepY, 7 * kOne / 3);
-}
-
 class DibPrepare : public testing::Test
 {
 protected:
@@ -166,19 +150,6 @@ TEST_F(DibPrepare, MakesTheColourMapOfAPaletteDestination)
     EXPECT_EQ(param_.quantizer, nullptr);
     EXPECT_EQ(param_.sourcePalette, reinterpret_cast<const void*>(palette + 1));
     DibCleanupSubpixelParam(nullptr);
-}
-
-TEST_F(DibPrepare, Refuses)
-{
-    const BITMAPINFOHEADER* const colours = Dib(VXPIXEL_RGB32, 4, 4);
-    const RECT almostPixel{0, 0, kOne - 1, kOne}, pixel{0, 0, kOne, kOne};
-    EXPECT_EQ(Prepare(Dib(VXPIXEL_UYVY, 4, 4), nullptr, colours), 0);
-    EXPECT_EQ(Prepare(colours, nullptr, Dib(VXPIXEL_I420, 4, 4)), 0);
-    EXPECT_EQ(Prepare(colours, &almostPixel, colours), 0);
-    EXPECT_EQ(Prepare(colours, &pixel, colours), 1);
-    BITMAPINFOHEADER* const noColours = Dib(VXPIXEL_PAL8, 4, 4, 16);
-    noColours->biClrUsed = 0;
-    EXPECT_EQ(Prepare(noColours, nullptr, colours), 0);
 }
 
 } // namespace

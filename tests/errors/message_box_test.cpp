@@ -129,15 +129,6 @@ TEST_F(MessageBoxes, WithoutAScreenTheDefaultButtonAnswers)
     }
 }
 
-TEST_F(MessageBoxes, TheDialogGetsASetThatExistsAndWhetherItCloses)
-{
-    for (uint32_t set = 0; set < 16; ++set) {
-        EXPECT_EQ(VxMsgBox_CustomNoF(nullptr, 0x0F40u | set, nullptr, u"x"), 88);
-        EXPECT_EQ(g_shown.back().flags, 0x0F40u | (kButtons.contains(set) ? set : 0)) << set;
-        EXPECT_EQ(g_shown.back().noCancel, set == 2 || set == 4 || set == 11) << set;
-    }
-}
-
 TEST_F(MessageBoxes, OnlyTheApplicationsThreadSetsHooksOrIsAnswered)
 {
     VxMsgBoxSetNoUIHook(Log);
@@ -270,12 +261,6 @@ TEST_F(MessageBoxes, TheHookSeesDetailsInTheTextTheDialogBesideIt)
     EXPECT_EQ(g_asked.back().text, u"x");
 }
 
-TEST_F(MessageBoxes, WithoutADialogNoneCanBeMade)
-{
-    vx::dialogSteps = {};
-    EXPECT_EQ(VxMsgBox_CustomNoF(nullptr, 4, nullptr, u"x"), -1);
-}
-
 TEST_F(MessageBoxes, FailuresAreShownWithTheirDetailsOnce)
 {
     VxErrorHandler_DetailsAddString(E_FAIL, u"line %d", 1);
@@ -303,29 +288,7 @@ TEST_F(MessageBoxes, FailuresAreShownWithTheirDetailsOnce)
     EXPECT_EQ(vx::g_errorDetails.messageText[0], u'\0');
 }
 
-TEST_F(MessageBoxes, FormatsComeFromStringResources)
-{
-    const vxtest::HostModule host({vxtest::Strings(16, 0x0409, {u"Delete %d files from %s?"})});
-    const vxtest::Handle handle(host.module);
-    SetHook();
-    EXPECT_EQ(VxMsgBoxId(handle, nullptr, 4, 16, 3, u"C:"), 77);
-    EXPECT_EQ(g_asked.back().text, u"Delete 3 files from C:?");
-}
-
 std::string g_debugText;
-
-TEST_F(MessageBoxes, WithoutADesktopThePlainBoxFailsAndSaysWhatItWas)
-{
-    setenv("VX_DISPLAY", "headless", 1);
-    VxPlatform_SetDebugOutput([](void*, const char* text) { g_debugText += text; }, nullptr);
-    SetLastError(0);
-    EXPECT_EQ(VxMsgBoxF(nullptr, 0x24, u"Really %s?", u"delete"), 0);
-    EXPECT_EQ(GetLastError(), ERROR_NOT_SUPPORTED);
-    EXPECT_EQ(g_debugText, "message box not shown: Editor: Really delete?\n");
-    VxPlatform_SetDebugOutput(nullptr, nullptr);
-    EXPECT_EQ(VxMsgBoxNoF(nullptr, 10, u"x"), 0);
-    EXPECT_EQ(GetLastError(), ERROR_INVALID_MSGBOX_STYLE);
-}
 
 TEST_F(MessageBoxes, PlainBoxesAreCentredWhileTheyAreMade)
 {

@@ -181,15 +181,4 @@ TEST_F(ErrorMessages, DetailsThatDoNotFitAreDroppedWhole)
         }
 }
 
-TEST_F(ErrorMessages, HyperlinksAreCut)
-{
-    const std::u16string longText(3000, u'h');
-    EXPECT_EQ(VxErrorHandler_DetailsSetHyperlink(longText.c_str(), nullptr), E_POINTER);
-    EXPECT_EQ(VxErrorHandler_DetailsSetHyperlink(nullptr, u"caption"), E_POINTER);
-    EXPECT_EQ(vx::g_errorDetails.linkUrl[0], 0);
-    EXPECT_EQ(VxErrorHandler_DetailsSetHyperlink(longText.c_str(), longText.c_str()), 0);
-    EXPECT_EQ(vx::g_errorDetails.linkUrl, longText.substr(0, 2082));
-    EXPECT_EQ(vx::g_errorDetails.linkText, longText.substr(0, 2047));
-}
-
 } // namespace

@@ -31,28 +31,6 @@ TEST_F(Capability, WordHoldsWhatTheProcessorHasAndNoMore)
     EXPECT_GE(VxGetProcessorCount(), 1u);
 }
 
-TEST_F(Capability, OsWordIgnoresTheAllowMask)
-{
-    VxDisallowCPUSupport(-1);
-    EXPECT_EQ(VxGetOSSupport(0), VX_CPU_VECTOR & ~VX_CPU_AVX);
-    EXPECT_EQ(VxGetOSSupport(VX_CPU_MMX), VX_CPU_MMX);
-    EXPECT_EQ(VxGetCPUSupport(0), 0u);
-}
-
-TEST_F(Capability, TheMaskIsNarrowedAndWidenedWithinWhatTheProcessorHas)
-{
-    const uint32_t before = VxGetCPUSupport(0);
-    EXPECT_EQ(VxDisallowCPUSupport(int32_t(VX_CPU_SSE2)), 1);
-    EXPECT_EQ(VxGetCPUSupport(VX_CPU_SSE2), 0u);
-    EXPECT_EQ(VxAllowCPUSupport(VX_CPU_SSE2 | 0x80000000u), 1);
-    EXPECT_EQ(VxGetCPUSupport(0), before);
-    EXPECT_EQ(VxOnlyAllowCPUSupport(VX_CPU_CMOV), 0) << "outside the governed bits";
-    EXPECT_EQ(VxGetCPUSupport(0), before) << "a refusal changes nothing";
-    EXPECT_EQ(VxOnlyAllowCPUSupport(VX_CPU_SSE | VX_CPU_SSE2), 1);
-    EXPECT_EQ(VxGetCPUSupport(0) & VX_CPU_VECTOR, VX_CPU_SSE | VX_CPU_SSE2);
-    EXPECT_TRUE(VxGetCPUSupport(VX_CPU_CMOV));
-}
-
 TEST_F(Capability, ClassFollowsTheAllowMask)
 {
     const std::pair<uint32_t, uint32_t> cases[] = {
@@ -99,18 +77,6 @@ TEST_F(Capability, OnlyTheProbeChangesTheFloatMode)
             std::_Exit(untouched && _mm_getcsr() == (before | 0x8040) ? 0 : 1);
         },
         testing::ExitedWithCode(0), "");
-}
-
-TEST(FourCC, UnprintableByteEndsTheText)
-{
-    const std::pair<uint32_t, std::u16string> cases[] = {{0x756E6547, u"Genu"},
-                                                         {0x41421F41, std::u16string(u"A\0BA", 4)},
-                                                         {0x7F7E2080, std::u16string(u"\0 ~\0", 4)}};
-    for (const auto& [fourCC, want] : cases) {
-        std::u16string text = u"xxxxxx";
-        VxFourCCToStringCPU(int32_t(fourCC), text.data());
-        EXPECT_EQ(text, want + u'\0' + u'x');
-    }
 }
 
 } // namespace

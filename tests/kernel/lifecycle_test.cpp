@@ -148,17 +148,6 @@ TEST_F(Kernel, AStartWithoutMemoryFailsAndCanBeRepeated)
     EXPECT_GE(failures, 4);
 }
 
-TEST_F(Kernel, PreferenceChanges)
-{
-    const std::pair<uint32_t, const char*> cases[] = {
-        {WM_SYSCOLORCHANGE, "cr"}, {WM_DISPLAYCHANGE, ""}, {0, ""}, {WM_SYSCOLORCHANGE + 1, ""}};
-    for (const auto& [message, want] : cases) {
-        calls.clear();
-        VxKernel_UserPrefChanges(-1, message);
-        EXPECT_EQ(calls, want) << message;
-    }
-}
-
 TEST(Errors, SystemCodesAsStatuses)
 {
     const uint32_t cases[][3] = {// of the system, of its dialogs

@@ -21,13 +21,6 @@ TEST(ParallelRows, WorksEveryRowOnce)
     }
 }
 
-TEST(ParallelRows, SmallFramesStayOnTheCallersThread)
-{
-    const auto caller = std::this_thread::get_id();
-    vx::ParallelRows(64, vx::kParallelBytes - 1,
-                     [&](int32_t) { EXPECT_EQ(std::this_thread::get_id(), caller); });
-}
-
 TEST(ParallelRows, WorkersTakeTheCallersFloatModeForTheCallOnly)
 {
     const unsigned before = vx::WithFloatMode::Current();

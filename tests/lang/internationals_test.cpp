@@ -49,20 +49,6 @@ TEST(Internationals, ARebuildReadsTheUsersLocale)
     }
 }
 
-TEST(Internationals, ValuesThatNoKeyReads)
-{
-    const OnlyLocale german("de-DE");
-    const VxInternationals& r = vx::g_internationals;
-    EXPECT_EQ(r.countryName, std::u16string(u"Deutschland"));
-    EXPECT_EQ(r.countryEnglishName, std::u16string(u"Germany"));
-    EXPECT_EQ(r.thousandsSeparator, std::u16string(u"."));
-    EXPECT_EQ(r.measure, 0u);
-    const OnlyLocale english("en-US");
-    EXPECT_EQ(r.measure, 1u);
-    const OnlyLocale spanish("es-ES"); // 0x0c0a: no decimal digit in front of the letter but a zero
-    EXPECT_EQ(r.language, 0u);
-}
-
 TEST(Internationals, AShortCopySaysSoAndStaysInItsRoom)
 {
     const OnlyLocale english("en-US");
@@ -124,17 +110,4 @@ TEST(Internationals, KeysAreReadWithAndWithoutALimit)
             EXPECT_EQ(text, want) << c.key << ", room " << room;
         }
     }
-}
-
-TEST(Internationals, ConditionedLcids)
-{
-    const std::pair<uint32_t, uint32_t> cases[] = {
-        {0x0809, 0x0409},   {0x0C0A, 0x040A},  {0x0C04, 0x0404},  {0x0404, 0x0404},
-        {0x1404, 0x0404},   {0x1004, 0x0804},  {0x1C04, 0x0804},  {0x0804, 0x0804},
-        {0x7C04, 0x0804},   {0x0004, 0x0804},  {0x0416, 0x0416},  {0x0816, 0x0816},
-        {0x10416, 0x10416}, {0x10407, 0x0407}, {0x20C04, 0x0404}, {0, 0x0400}};
-    for (const auto& [lcid, want] : cases)
-        EXPECT_EQ(VxLang_GetConditionedLCID(lcid), want) << std::hex << lcid;
-    EXPECT_EQ(VxLang_IsLCIDEnglish(0x0C09), 1);
-    EXPECT_EQ(VxLang_IsLCIDEnglish(0x0407), 0);
 }

@@ -26,38 +26,6 @@ TEST(LocaleTools, ARebuildPublishesTheSeparatorsAndLabels)
     vx::DestroyPrintTokens();
 }
 
-TEST(LocaleTools, TheAbbreviationHasThreeLettersUntilTheNextRebuild)
-{
-    const std::pair<const char16_t*, std::u16string> cases[] = {
-        {u"DEU", u"DEU"}, {u"de", u"de"}, {u"DEUTSCH", u"DEU"}, {u"", u"ENU"}, {nullptr, u"ENU"}};
-    for (const auto& [given, want] : cases) {
-        VxInternationals record;
-        VxSetLangID(given);
-        VxLang_GetInternationals(&record, sizeof(record));
-        EXPECT_EQ(record.langId, want);
-        EXPECT_EQ(record.langIdLength, want.size());
-        EXPECT_EQ(record.langIdReserved, 0u);
-    }
-    VxInternationals rebuilt;
-    VxLang_GetInternationals(nullptr, 123);
-    VxLang_GetInternationals(&rebuilt, sizeof(rebuilt));
-    EXPECT_TRUE(rebuilt.langId[0] == 0 && rebuilt.langIdLength == 0);
-}
-
-TEST(LocaleTools, NamesStandInTheOrderOfTheLanguage)
-{
-    const Handle english(nullptr, 0x0409), japanese(nullptr, 0x0411);
-    const std::pair<HVXLANG, std::u16string> cases[] = {
-        {english, u"Given Family"}, {japanese, u"Family Given"}, {nullptr, u"Given Family"}};
-    for (const auto& [handle, whole] : cases)
-        for (int32_t room = 1; room <= 14; ++room) {
-            char16_t text[14];
-            const std::u16string want = whole.substr(0, size_t(room) - 1);
-            EXPECT_EQ(VxLang_LocalizeUserName(handle, u"Given", u"Family", text, room), want.size());
-            EXPECT_EQ(text, want);
-        }
-}
-
 TEST(LocaleTools, DoubleBytesAndCodePagesAreTold)
 {
     const struct

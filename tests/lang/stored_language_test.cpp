@@ -51,23 +51,3 @@ TEST(StoredLanguage, IsKeptByVendorApplicationAndVersion)
         EXPECT_EQ(lcid, c.lcid);
     }
 }
-
-TEST(StoredLanguage, TheMachinesServesWhereTheUserHasNoKey)
-{
-    const std::u16string shared = u"Software\\Vexmere Studio Works\\Shared Information";
-    EXPECT_EQ(VxSetLocale(0x0407), S_OK);
-    EXPECT_EQ(Stored(HKEY_LOCAL_MACHINE, shared, u"Locale"), 0x0407u);
-    uint32_t lcid = 77;
-    EXPECT_EQ(VxLang_LoadUserLCIDMetric(u"Shared Information", 0, &lcid, 0), 0);
-    EXPECT_EQ(lcid, 77u);
-    HKEY key = nullptr;
-    const DWORD polish = 0x0415;
-    RegCreateKeyW(HKEY_LOCAL_MACHINE, (shared + u"\\Lang").c_str(), &key);
-    RegSetValueExW(key, u"ULangID", 0, REG_DWORD, reinterpret_cast<const BYTE*>(&polish), 4);
-    RegCloseKey(key);
-    EXPECT_EQ(VxLang_LoadUserLCIDMetric(u"Shared Information", 0, &lcid, 0), 1);
-    EXPECT_EQ(lcid, polish);
-    RegCreateKeyW(HKEY_CURRENT_USER, (shared + u"\\Lang").c_str(), &key); // hides it, without a value too
-    RegCloseKey(key);
-    EXPECT_EQ(VxLang_LoadUserLCIDMetric(u"Shared Information", 0, &lcid, 0), 0);
-}

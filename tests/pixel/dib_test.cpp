@@ -85,17 +85,6 @@ TEST(Dib, HeadersAndBlocks)
     }
 }
 
-TEST(Dib, PaletteMayBeTheTableItself)
-{
-    struct
-    {
-        BITMAPINFOHEADER header;
-        RGBQUAD table[3];
-    } bitmap{{}, {kPalette[0], kPalette[1], kPalette[2]}};
-    EXPECT_EQ(VxVideo_InitBitmapInfo(&bitmap.header, VXPIXEL_PAL8, 1, 1, bitmap.table, 3, nullptr), S_OK);
-    EXPECT_EQ(std::memcmp(bitmap.table, kPalette, sizeof(kPalette)), 0);
-}
-
 TEST(Dib, RefusalsClearTheResults)
 {
     BITMAPINFOHEADER header{};

@@ -108,27 +108,6 @@ TEST(DibFlip, EveryTypeEveryWidthEveryForm)
     }
 }
 
-TEST(DibFlip, ARectangleGivesTheSizeOnly)
-{
-    struct
-    {
-        RECT rect;
-        int32_t width, height;
-    } const cases[] = {
-        {{3, 2, 9, 7}, 6, 5},   {{-5, -5, 4, 3}, 4, 3}, {{8, 8, INT32_MAX, INT32_MAX}, 4, 3},
-        {{12, 0, 20, 5}, 0, 0}, {{5, 5, 5, 9}, 0, 0},   {{7, 7, 2, 2}, 0, 0},
-    };
-    Random random;
-    for (const auto& c : cases)
-        for (const int32_t type : {VXPIXEL_RGB24, VXPIXEL_RGB101010, VXPIXEL_RGBA128}) {
-            Frame frame = FrameOf(type, 12, 11, Rows::Wide, random);
-            Bitmap bitmap(type, 12, 11);
-            CheckBoth(type, frame, &bitmap.header, &c.rect, c.width, c.height);
-            Bitmap negative(type, c.width - 9, -c.height);
-            CheckBoth(type, frame, &negative.header, nullptr, 0, 0);
-        }
-}
-
 TEST(DibFlip, FindsPixelsAndStrideByTheHeader)
 {
     Bitmap bitmap(VXPIXEL_RGB565, 3, 2);
@@ -137,18 +116,6 @@ TEST(DibFlip, FindsPixelsAndStrideByTheHeader)
     std::memset(rows + 8, 0, 8);
     EXPECT_EQ(VxDibFlip(&bitmap.header, nullptr, nullptr, 0, 0, 1), S_OK);
     EXPECT_TRUE(rows[0] == 0 && rows[7] == 0 && rows[8] == 1 && rows[15] == 1);
-}
-
-TEST(DibFlip, RefusesOtherTypesAndRowsWithoutAStride)
-{
-    const auto expect = [](int32_t type, int32_t width, HRESULT want) {
-        Bitmap bitmap(type, width, 1);
-        EXPECT_EQ(VxDibFlip(&bitmap.header, &bitmap, nullptr, 0, 1, 1), want) << type;
-        EXPECT_EQ(VxDibSwapRB(&bitmap.header, &bitmap, nullptr, 0), want) << type;
-    };
-    expect(VXPIXEL_GRAY8, 0, E_NOTIMPL); // though there is nothing to do
-    expect(VXPIXEL_UYVY, 0, E_NOTIMPL);
-    expect(VXPIXEL_RGBA32, 0x08000000, E_INVALIDARG);
 }
 
 } // namespace

@@ -65,21 +65,6 @@ struct Header
     const BITMAPINFOHEADER* Get() const { return reinterpret_cast<const BITMAPINFOHEADER*>(bytes + 1); }
 };
 
-TEST(PixelType, TellsBitsCompressionAndChannels)
-{
-    for (int32_t type = -1; type <= 100; ++type) {
-        const auto* known = std::find_if(std::begin(kTypes), std::end(kTypes),
-                                         [type](const TypeCase& c) { return c.type == type; });
-        const TypeCase want = known != std::end(kTypes) ? *known : TypeCase{type, 0, 0, {}};
-        uint32_t compression = 1;
-        EXPECT_EQ(VxPixelTypeToBitAttribs(type, &compression, nullptr, 0, nullptr), want.bits) << type;
-        EXPECT_EQ(compression, want.compression) << type;
-        std::array<uint8_t, 4> channels{9, 9, 9, 9};
-        EXPECT_EQ(VxGetPixelBitsPerChannel(type, channels.data()), type < 64 ? want.bits : 0) << type;
-        EXPECT_EQ(channels, want.channels) << type;
-    }
-}
-
 TEST(PixelType, RecordAndMasksAreWrittenWholeOrNotAtAll)
 {
     for (const int32_t type : {16, 17, 22, 23, 26, 30, 64, 0}) {
@@ -156,20 +141,6 @@ TEST(BitHelpers, MaskIsItsBitsOneByOne)
             EXPECT_EQ(VxCreateBitMask(first, count), want) << first << ", " << count;
             EXPECT_EQ(VxCountBits(want), std::popcount(want));
         }
-}
-
-TEST(PaletteOrder, ExchangesRedAndBlueAndClearsTheFourthByte)
-{
-    RGBQUAD quads[] = {{1, 2, 3, 4}, {5, 6, 7, 8}, {9, 10, 11, 12}};
-    PALETTEENTRY entries[3];
-    std::memset(entries, 0xEE, sizeof(entries));
-    VxVideo_PaletteEntryFromRGBA(entries, quads, 2);
-    const uint8_t want[12] = {3, 2, 1, 0, 7, 6, 5, 0, 0xEE, 0xEE, 0xEE, 0xEE};
-    EXPECT_EQ(std::memcmp(entries, want, sizeof(want)), 0);
-    VxVideo_PaletteRGBAFromEntry(quads, entries, -1);
-    VxVideo_PaletteRGBAFromEntry(reinterpret_cast<RGBQUAD*>(entries), entries, 3); // in place
-    const uint8_t back[12] = {1, 2, 3, 0, 5, 6, 7, 0, 0xEE, 0xEE, 0xEE, 0};
-    EXPECT_EQ(std::memcmp(entries, back, sizeof(back)), 0);
 }
 
 TEST(YuvLayout, BytesAndPlanes)

@@ -99,20 +99,6 @@ TEST(CodePages, AreDetectedWithTheirShare)
     EXPECT_EQ(found->nDocPercent, 99);
 }
 
-TEST(CodePages, RefusalsSayWhy)
-{
-    const std::tuple<DWORD, const char*, INT, INT, HRESULT> rows[] = {{0, "", 0, 1, S_FALSE},
-                                                                      {1, "a", 1, 1, E_INVALIDARG},
-                                                                      {0, nullptr, 1, 1, E_INVALIDARG},
-                                                                      {0, "a", -1, 1, E_INVALIDARG},
-                                                                      {0, "a", 1, -1, E_INVALIDARG}};
-    for (auto [flags, text, bytes, count, status] : rows) {
-        DetectEncodingInfo result;
-        EXPECT_EQ(VxPlatform_DetectCodePages(flags, 0, text, bytes, &result, &count), status);
-        EXPECT_EQ(count, 0);
-    }
-}
-
 // Every character of two bytes is a lead byte and a trail byte, every other one a single byte.
 TEST(CodePages, DoubleBytesAreToldApart)
 {

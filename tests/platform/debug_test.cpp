@@ -39,19 +39,6 @@ TEST_F(DebugOutput, TextsGoOutAsUtf8)
                                     "\xEF\xBF\xBD\xEF\xBF\xBD\xF0\x9F\x98\x80\xEF\xBF\xBD"));
 }
 
-TEST_F(DebugOutput, AnOutputMaySendTextsAndSetAnother)
-{
-    VxPlatform_SetDebugOutput(
-        [](void* context, const char*) {
-            VxPlatform_SetDebugOutput(Collect, context);
-            OutputDebugStringA("inner");
-        },
-        &texts_);
-    OutputDebugStringA("outer");
-    OutputDebugStringA("after");
-    EXPECT_THAT(texts_, ElementsAre("inner", "after"));
-}
-
 // The context of the output before may be freed once another is set.
 TEST_F(DebugOutput, AReplacedOutputIsNotRunningAnyMore)
 {

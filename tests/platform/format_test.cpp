@@ -230,18 +230,3 @@ TEST(FormatMessage, EveryCapacity)
             << size;
     }
 }
-
-TEST(FormatMessage, RefusesWhatItDoesNotDo)
-{
-    char16_t text[8];
-    int texts = 0;
-    VxPlatform_SetDebugOutput([](void* count, const char*) { ++*static_cast<int*>(count); }, &texts);
-    for (const DWORD flags : {0u, 0x500u, 0x4FFu})
-        EXPECT_EQ(FormatMessageW(flags, u"text", 0, 0, text, 8, nullptr), 0u) << flags;
-    VxPlatform_SetDebugOutput(nullptr, nullptr);
-    EXPECT_EQ(GetLastError(), ERROR_INVALID_FLAGS);
-    EXPECT_EQ(texts, 3);
-    EXPECT_EQ(FormatMessageW(FORMAT_MESSAGE_FROM_STRING, u"%1", 0, 0, text, 8, nullptr), 0u);
-    EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
-    EXPECT_EQ(FormatMessageW(FORMAT_MESSAGE_FROM_STRING, u"text", 0, 0, text, 8, nullptr), 4u);
-}

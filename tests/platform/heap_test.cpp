@@ -91,20 +91,6 @@ TEST(Heap, BlocksKeepTheirBytesThroughAnySequence)
     // The blocks still there go with the heap: the leak checker looks.
 }
 
-TEST(Heap, FreedBlocksServeAgain)
-{
-    Heap heap(0, 64 * 1024);
-    for (int round = 0; round < 1000; ++round) {
-        void* blocks[] = {HeapAlloc(heap, 0, 200), HeapAlloc(heap, 0, 20000), HeapAlloc(heap, 0, 1500)};
-        for (void*& block : blocks) {
-            ASSERT_TRUE(block) << "round " << round;
-            block = HeapReAlloc(heap, 0, block, &block - blocks < 2 ? 5000 : 100);
-        }
-        for (void* block : blocks)
-            ASSERT_TRUE(block && HeapFree(heap, 0, block)) << "round " << round;
-    }
-}
-
 TEST(Heap, MaximumHoldsAndAFailedResizeKeepsTheBlock)
 {
     Heap heap(0, 32 * 1024);
@@ -120,20 +106,6 @@ TEST(Heap, MaximumHoldsAndAFailedResizeKeepsTheBlock)
     while (HeapAlloc(heap, 0, 1000))
         ASSERT_LT(++blocks, 33);
     EXPECT_GT(blocks, 10);
-}
-
-TEST(Heap, ProcessHeapIsTheRuntimes)
-{
-    const HANDLE heap = GetProcessHeap();
-    void* ours = HeapAlloc(heap, HEAP_ZERO_MEMORY, 100);
-    EXPECT_GE(HeapSize(heap, 0, ours), 100u);
-    std::free(ours);
-    auto* theirs = strdup("ten bytes");
-    theirs = static_cast<char*>(HeapReAlloc(heap, 0, theirs, 10000));
-    EXPECT_STREQ(theirs, "ten bytes");
-    theirs = static_cast<char*>(HeapReAlloc(heap, 0, theirs, 0));
-    EXPECT_TRUE(theirs) << "a size of 0 does not free";
-    EXPECT_TRUE(HeapFree(heap, 0, theirs) && HeapFree(heap, 0, nullptr));
 }
 
 TEST(Heap, RefusesWhatIsNotItsOwn)
@@ -155,21 +127,6 @@ TEST(Heap, RefusesWhatIsNotItsOwn)
     EXPECT_FALSE(HeapDestroy(GetProcessHeap()));
     EXPECT_FALSE(HeapAlloc(nullptr, 0, 24));
     EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
-}
-
-TEST(Heap, FailsOnDemand)
-{
-    Heap heap;
-    for (HANDLE each : {HANDLE(heap), GetProcessHeap()}) {
-        VxPlatform_FailAllocationAt(2);
-        void* block = HeapAlloc(each, 0, 8);
-        EXPECT_TRUE(block);
-        EXPECT_FALSE(HeapReAlloc(each, 0, block, 900));
-        EXPECT_TRUE(HeapFree(each, 0, block));
-    }
-    VxPlatform_FailAllocationAt(1);
-    EXPECT_FALSE(HeapCreate(0, 0, 0));
-    EXPECT_EQ(GetLastError(), ERROR_NOT_ENOUGH_MEMORY);
 }
 
 TEST(Heap, SerialisesThreads)

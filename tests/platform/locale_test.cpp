@@ -22,13 +22,6 @@ std::u16string Info(LCID lcid, LCTYPE type)
     return chars > 0 ? std::u16string(text, size_t(chars) - 1) : u"failed";
 }
 
-DWORD InfoNumber(LCID lcid, LCTYPE type)
-{
-    DWORD number = 0xDEAD;
-    EXPECT_EQ(GetLocaleInfoW(lcid, type | LOCALE_RETURN_NUMBER, reinterpret_cast<WCHAR*>(&number), 2), 2);
-    return number;
-}
-
 std::u16string Name(LCID lcid)
 {
     char16_t name[LOCALE_NAME_MAX_LENGTH];
@@ -128,64 +121,6 @@ TEST(Locale, NamesAndLcidsGoBothWays)
         EXPECT_EQ(Name(bad), u"failed") << std::hex << bad;
         EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
     }
-}
-
-TEST(Locale, ValuesOfTheLocales)
-{
-    static constexpr LCTYPE kTexts[] = {LOCALE_SDECIMAL,      LOCALE_STHOUSAND,    LOCALE_SGROUPING,
-                                        LOCALE_SNEGATIVESIGN, LOCALE_SLIST,        LOCALE_SDATE,
-                                        LOCALE_STIME,         LOCALE_SENGLANGUAGE, LOCALE_SENGCOUNTRY};
-    const struct
-    {
-        LCID lcid;
-        const char16_t* texts[std::size(kTexts)];
-        DWORD dialing, measure;
-    } cases[] = {
-        {0x0409, {u".", u",", u"3;0", u"-", u",", u"/", u":", u"English", u"United States"}, 1, 1},
-        {0x0407, {u",", u".", u"3;0", u"-", u";", u".", u":", u"German", u"Germany"}, 49, 0},
-        {0x0439, {u".", u",", u"3;2;0", u"-", u",", u"/", u":", u"Hindi", u"India"}, 91, 0},
-        {0x0401, {u".", u",", u"3;0", u"\u200E-", u",", u"/", u":", u"Arabic", u"Saudi Arabia"}, 966, 0},
-        {0x040B, {u",", u"\u00A0", u"3;0", u"\u2212", u";", u".", u".", u"Finnish", u"Finland"}, 358, 0},
-        {0x0C0C, {u",", u"\u00A0", u"3;0", u"-", u";", u"-", u":", u"French", u"Canada"}, 1, 0},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(testing::Message() << std::hex << c.lcid);
-        for (size_t i = 0; i < std::size(kTexts); ++i)
-            EXPECT_EQ(Info(c.lcid, kTexts[i]), c.texts[i]) << i;
-        EXPECT_EQ(InfoNumber(c.lcid, LOCALE_ICOUNTRY), c.dialing);
-        EXPECT_EQ(InfoNumber(c.lcid, LOCALE_IMEASURE), c.measure);
-        EXPECT_EQ(InfoNumber(c.lcid, LOCALE_ILANGUAGE), c.lcid);
-        EXPECT_EQ(InfoNumber(c.lcid, LOCALE_INEGNUMBER), 1u);
-        EXPECT_EQ(InfoNumber(c.lcid, LOCALE_ILZERO), 1u);
-    }
-    EXPECT_EQ(Info(0x0C0A, LOCALE_ILANGUAGE), u"0c0a");
-    EXPECT_EQ(Info(0x0009, LOCALE_SABBREVLANGNAME), u"ENU");
-    EXPECT_EQ(Info(0x0807, LOCALE_SABBREVLANGNAME), u"DES");
-    EXPECT_EQ(Info(0x0439, LOCALE_SABBREVLANGNAME), u"HIN");
-    EXPECT_EQ(Info(0x0407, LOCALE_SABBREVCTRYNAME), u"DEU");
-    EXPECT_EQ(Info(0x0407, LOCALE_SISO639LANGNAME), u"de");
-    EXPECT_EQ(Info(0x0407, LOCALE_SISO3166CTRYNAME), u"DE");
-    EXPECT_EQ(Info(0x0407, LOCALE_SNATIVELANGNAME), u"Deutsch");
-    EXPECT_EQ(Info(0x0407, LOCALE_SNATIVECTRYNAME), u"Deutschland");
-}
-
-TEST(Locale, NamesAreInTheUsersLanguageAndDefaultsFollowTheUser)
-{
-    const OnlyLocale german("de-DE");
-    EXPECT_EQ(Info(0x040C, LOCALE_SLANGUAGE), u"Französisch (Frankreich)");
-    EXPECT_EQ(Info(0x040C, LOCALE_SCOUNTRY), u"Frankreich");
-    for (const LCID lcid : {LOCALE_NEUTRAL, LOCALE_USER_DEFAULT, LOCALE_SYSTEM_DEFAULT}) {
-        EXPECT_EQ(Name(lcid), u"de-DE");
-        EXPECT_EQ(Info(lcid, LOCALE_ILANGUAGE), u"0407");
-    }
-    EXPECT_FALSE(VxPlatform_SetUserLocale("not a locale"));
-    EXPECT_EQ(GetUserDefaultLCID(), 0x0407u);
-
-    // Own values, and the nearest language to be found by.
-    EXPECT_TRUE(VxPlatform_SetUserLocale("en-DE"));
-    EXPECT_EQ(Name(LOCALE_USER_DEFAULT), u"en-DE");
-    EXPECT_EQ(Info(LOCALE_USER_DEFAULT, LOCALE_SDECIMAL), u",");
-    EXPECT_EQ(GetUserDefaultLCID(), 0x0409u);
 }
 
 TEST(Locale, InfoKeepsToItsRoom)
@@ -289,30 +224,6 @@ TEST(NumberFormat, ALocalesOwnFormatAndSign)
         EXPECT_EQ(std::u16string(text), c.want) << std::hex << c.lcid;
     }
     EXPECT_EQ(Formatted(u"-1", Format(0, 1, 3, 3), 0x041D), u"1\u2212");
-}
-
-TEST(NumberFormat, RefusesWhatIsNoNumberOrNoFormat)
-{
-    const NUMBERFMTW good = Format(0, 1, 3, 1);
-    NUMBERFMTW noPoint = good, noComma = good;
-    noPoint.lpDecimalSep = nullptr;
-    noComma.lpThousandSep = nullptr;
-    char16_t text[16] = u"untouched";
-    const auto refuses = [&](const char16_t* value, const NUMBERFMTW& format, DWORD error, char16_t* out,
-                             int room, LCID lcid = 0x0409, DWORD flags = 0) {
-        SetLastError(0);
-        return GetNumberFormatW(lcid, flags, value, &format, out, room) == 0 && GetLastError() == error;
-    };
-    for (const NUMBERFMTW& bad : {Format(10, 1, 3, 1), Format(0, 2, 3, 1), Format(0, 1, 10000, 1),
-                                  Format(0, 1, 3, 5), noPoint, noComma})
-        EXPECT_TRUE(refuses(u"1", bad, ERROR_INVALID_PARAMETER, text, 16));
-    for (const char16_t* bad : {u"", u"-.", u" 1", u"1 ", u"+1", u"1.2.3", u"--1", u"\u0661"})
-        EXPECT_TRUE(refuses(bad, good, ERROR_INVALID_PARAMETER, text, 16));
-    EXPECT_TRUE(refuses(u"1", good, ERROR_INVALID_PARAMETER, text, -1));
-    EXPECT_TRUE(refuses(u"1", good, ERROR_INVALID_PARAMETER, nullptr, 4));
-    EXPECT_TRUE(refuses(u"1", good, ERROR_INVALID_PARAMETER, text, 16, 0x5FE3));
-    EXPECT_TRUE(refuses(u"1", good, ERROR_INVALID_FLAGS, text, 16, 0x0409, LOCALE_NOUSEROVERRIDE));
-    EXPECT_EQ(std::u16string(text), u"untouched");
 }
 
 TEST(NumberFormat, CutsToTheRoom)

@@ -133,46 +133,6 @@ TEST_F(GlobalMemory, LockedAndFixedBlocksStayWhereTheyAre)
     GlobalFree(fixed);
 }
 
-TEST_F(GlobalMemory, AShrinkingMoveLeavesNoMoreRoomThanItAskedFor)
-{
-    const HGLOBAL block = GlobalAlloc(GMEM_MOVEABLE, 100);
-    EXPECT_EQ(GlobalReAlloc(block, 10, 0), block);
-    GlobalLock(block);
-    EXPECT_EQ(GlobalReAlloc(block, 11, 0), nullptr);
-    GlobalFree(block);
-}
-
-TEST_F(GlobalMemory, SmallStepsMoveAGrowingBlockSeldom)
-{
-    HGLOBAL block = GlobalAlloc(GMEM_FIXED, 64);
-    int moves = 0;
-    for (SIZE_T bytes = 64; bytes <= 1 << 20; bytes += 64) {
-        const HGLOBAL before = block;
-        block = GlobalReAlloc(block, bytes, GMEM_MOVEABLE);
-        ASSERT_EQ(GlobalSize(block), bytes);
-        moves += block != before;
-    }
-    EXPECT_LE(moves, 30); // log 16384 at base 1.5 is 24
-    GlobalFree(block);
-}
-
-TEST_F(GlobalMemory, ADiscardedBlockKeepsItsHandle)
-{
-    HGLOBAL block = GlobalAlloc(GMEM_MOVEABLE, 0);
-    for (int round = 0; round < 2; ++round) {
-        ASSERT_NE(block, nullptr);
-        EXPECT_EQ(GlobalFlags(block), GMEM_DISCARDED);
-        EXPECT_EQ(GlobalSize(block), 0u);
-        EXPECT_EQ(GlobalLock(block), nullptr);
-        EXPECT_EQ(GetLastError(), ERROR_DISCARDED);
-        EXPECT_EQ(GlobalReAlloc(block, 10, GMEM_ZEROINIT), block);
-        EXPECT_TRUE(AllBytesAre(GlobalLock(block), 10, 0));
-        GlobalUnlock(block);
-        EXPECT_EQ(GlobalReAlloc(block, 0, GMEM_MOVEABLE), block);
-    }
-    EXPECT_EQ(GlobalFree(block), nullptr);
-}
-
 TEST_F(GlobalMemory, AnAllocationThatFailsChangesNothing)
 {
     VxPlatform_FailAllocationsFrom(2);

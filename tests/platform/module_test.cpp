@@ -96,60 +96,6 @@ TEST_F(Modules, SharedObjectsHaveCodeAndResources)
     }
 }
 
-TEST_F(Modules, AreCounted)
-{
-    folder.Write("a.LNG", NumberFile(1));
-    const HMODULE first = Load(u"a.LNG"), second = Load(u"A.lng");
-    EXPECT_EQ(first, second);
-    EXPECT_EQ(GetModuleHandleW(u"a.lng"), first);
-    HMODULE third = nullptr;
-    EXPECT_TRUE(GetModuleHandleExW(0, u"A.LNG", &third));
-    EXPECT_EQ(third, first);
-    for (int load = 0; load < 3; ++load) {
-        EXPECT_EQ(Number(first), 1);
-        EXPECT_TRUE(FreeLibrary(first));
-    }
-    EXPECT_FALSE(FreeLibrary(first));
-    EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
-    EXPECT_EQ(Number(first), 0);
-    EXPECT_EQ(GetModuleHandleW(u"a.lng"), nullptr);
-    EXPECT_EQ(GetLastError(), ERROR_MOD_NOT_FOUND);
-}
-
-TEST_F(Modules, TheExecutableIsOne)
-{
-    const HMODULE self = GetModuleHandleW(nullptr);
-    ASSERT_NE(self, nullptr);
-    EXPECT_EQ(PathOf(self), PathOf(nullptr));
-    const std::u16string path = std::filesystem::read_symlink("/proc/self/exe").u16string();
-    EXPECT_EQ(PathOf(nullptr).size(), path.size() + 2);
-    EXPECT_EQ(GetModuleHandleW((u"c:" + path).c_str()), self);
-    EXPECT_EQ(GetProcAddress(nullptr, "VxTest_OfExecutable")(), 7);
-    EXPECT_EQ(GetProcAddress(nullptr, "LoadLibraryW"), nullptr) << "of a library that it is linked to";
-    EXPECT_FALSE(FreeLibrary(self));
-    EXPECT_EQ(FindResourceW(nullptr, MAKEINTRESOURCEW(1), RT_RCDATA), nullptr);
-    EXPECT_EQ(GetLastError(), ERROR_RESOURCE_DATA_NOT_FOUND);
-    // A library that nobody loaded by LoadLibraryW
-    HMODULE platform = nullptr;
-    EXPECT_TRUE(
-        GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS, (const WCHAR*)&FreeLibrary, &platform));
-    EXPECT_NE(GetProcAddress(platform, "LoadLibraryW"), nullptr);
-    EXPECT_TRUE(FreeLibrary(platform));
-    EXPECT_FALSE(FreeLibrary(platform));
-}
-
-TEST_F(Modules, PathsAreCutToTheRoom)
-{
-    const std::u16string path = PathOf(nullptr);
-    for (const size_t room : {size_t(1), path.size(), path.size() + 1}) {
-        std::u16string text(room, u'#');
-        EXPECT_EQ(GetModuleFileNameW(nullptr, text.data(), DWORD(room)), std::min(room, path.size()));
-        EXPECT_EQ(text, path.substr(0, room - 1) + u'\0');
-        EXPECT_EQ(GetLastError() == ERROR_INSUFFICIENT_BUFFER, room <= path.size());
-        SetLastError(ERROR_SUCCESS);
-    }
-}
-
 TEST_F(Modules, FailuresSayWhy)
 {
     folder.Write("text.dll", {'t', 'e', 'x', 't'});

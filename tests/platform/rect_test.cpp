@@ -94,19 +94,4 @@ TEST(Rect, MovesAndGrowsWithWrap)
     EXPECT_EQ(r, RECT{});
 }
 
-TEST(Rect, NullFailsAndChangesNothing)
-{
-    const RECT some{1, 2, 3, 4};
-    RECT r = some;
-    EXPECT_FALSE(SetRect(nullptr, 0, 0, 0, 0) || SetRectEmpty(nullptr) || OffsetRect(nullptr, 1, 1) ||
-                 InflateRect(nullptr, 1, 1));
-    EXPECT_FALSE(CopyRect(&r, nullptr) || CopyRect(nullptr, &r));
-    for (const auto operation : {IntersectRect, UnionRect, SubtractRect})
-        EXPECT_FALSE(operation(&r, nullptr, &some) || operation(&r, &some, nullptr) ||
-                     operation(nullptr, &some, &some));
-    EXPECT_FALSE(EqualRect(nullptr, &r) || EqualRect(&r, nullptr) || PtInRect(nullptr, {0, 0}));
-    EXPECT_TRUE(IsRectEmpty(nullptr));
-    EXPECT_EQ(r, some);
-}
-
 } // namespace

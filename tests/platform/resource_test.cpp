@@ -110,24 +110,6 @@ TEST(Resources, AreFoundExactlyWhereTheyAre)
         }
 }
 
-TEST(Resources, NamesHaveSeveralForms)
-{
-    const std::tuple<const WCHAR*, const WCHAR*, WORD, DWORD> missing[] = {
-        {RT_MENU, MAKEINTRESOURCEW(12), 0, ERROR_RESOURCE_TYPE_NOT_FOUND},
-        {u"#65546", MAKEINTRESOURCEW(12), 0, ERROR_RESOURCE_TYPE_NOT_FOUND},
-        {RT_RCDATA, u"12", 0, ERROR_RESOURCE_NAME_NOT_FOUND},
-        {RT_RCDATA, MAKEINTRESOURCEW(12), 9, ERROR_RESOURCE_LANG_NOT_FOUND}};
-    for (const Build build : kForms) {
-        const LoadedFile file(build({{10, 12, 0, {1}}, {u"PICTURE", u"\x0416x", 0, {2}}}));
-        EXPECT_EQ(file.Read(FindResourceW(file.module, u"#12", u"#10")), Bytes{1});
-        EXPECT_EQ(file.Read(FindResourceW(file.module, u"\x0436X", u"picture")), Bytes{2});
-        for (const auto& [type, name, language, error] : missing) {
-            EXPECT_EQ(FindResourceExW(file.module, type, name, language), nullptr);
-            EXPECT_EQ(GetLastError(), error);
-        }
-    }
-}
-
 // Removes the language that is chosen, one after the other.
 TEST(Resources, LanguagesFallBackInOrder)
 {

@@ -97,25 +97,6 @@ TEST_F(VersionFiles, ValuesAreFoundByTheirPaths)
     }
 }
 
-TEST_F(VersionFiles, FailuresSayWhy)
-{
-    EXPECT_EQ(SizeOf({}), 0u);
-    EXPECT_EQ(GetLastError(), ERROR_BAD_FORMAT);
-    EXPECT_EQ(GetFileVersionInfoSizeW(u"C:\\missing file", nullptr), 0u);
-    EXPECT_EQ(GetLastError(), ERROR_FILE_NOT_FOUND);
-    EXPECT_EQ(GetFileVersionInfoSizeW(u"C:\\", nullptr), 0u);
-    EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED) << "a folder is no file";
-    Bytes other = SmallImage();
-    Store<uint32_t>(other, kResourceOffset + 16, 6); // another type of resource
-    EXPECT_EQ(SizeOf(other), 0u);
-    EXPECT_EQ(GetLastError(), ERROR_RESOURCE_TYPE_NOT_FOUND);
-    const DWORD size = SizeOf(SmallImage());
-    Bytes block(size);
-    EXPECT_FALSE(GetFileVersionInfoW(path_.c_str(), 0, size - 1, block.data()));
-    EXPECT_EQ(GetLastError(), ERROR_INSUFFICIENT_BUFFER);
-    EXPECT_EQ(block, Bytes(size));
-}
-
 // A damaged file never makes anything read outside the block; the sanitizers watch.
 TEST_F(VersionFiles, DamageHarmsNothing)
 {
@@ -172,17 +153,4 @@ TEST(HostPaths, AreFound)
         EXPECT_FALSE(isImage(none));
         EXPECT_EQ(GetLastError(), ERROR_PATH_NOT_FOUND);
     }
-}
-
-TEST(Version, IsReportedAsOneLevel)
-{
-    OSVERSIONINFOEXW info;
-    std::memset(static_cast<void*>(&info), 0xEE, sizeof(info));
-    info.dwOSVersionInfoSize = 276;
-    ASSERT_TRUE(GetVersionExW(&info));
-    EXPECT_EQ(info.dwMajorVersion * 100 + info.dwMinorVersion, 602u);
-    EXPECT_EQ(info.dwPlatformId, DWORD(VER_PLATFORM_WIN32_NT));
-    EXPECT_EQ(info.wServicePackMajor, 0xEEEE) << "the short record has none";
-    info.dwOSVersionInfoSize = 280;
-    EXPECT_FALSE(GetVersionExW(&info));
 }

@@ -9,34 +9,6 @@ namespace {
 
 using namespace vxtest;
 
-struct BlendCase
-{
-    const char* name;
-    uint32_t dst, src;
-    double factor;
-    uint32_t want;
-};
-
-constexpr BlendCase kBlendCases[] = {
-    {"1.0 keeps dst, clamped to its alpha", 0x20FF1020, 0xFFFFFFFF, 1.0, 0x20201020},
-    {"0.0 takes the colours of src only", 0xFF302010, 0x00605040, 0.0, 0xFF605040},
-    {"0.0 clamps to the alpha of dst", 0x50302010, 0x00605040, 0.0, 0x50505040},
-    {"half rounds up", 0xFF000001, 0x00000002, 0.5, 0xFF000002},
-    {"weights may sum to less than 4096", 0xFFFFFFFF, 0xFFFFFFFF, 0.3, 0xFFFFFFFF},
-    {"which shows where the sum is near a half", 0xFF030303, 0x00020202, 0.49999, 0xFF020202},
-    {"a negative sum is 0", 0xFF101010, 0x00FFFFFF, 2.0, 0xFF000000},
-    {"a large sum is the alpha", 0xFFFFFFFF, 0x00000000, 100.0, 0xFFFFFFFF},
-};
-
-TEST(Blend, Table)
-{
-    for (const BlendCase& c : kBlendCases) {
-        uint32_t dst = c.dst;
-        EXPECT_TRUE(Blend(&dst, 4, &c.src, 4, 1, 1, c.factor));
-        EXPECT_EQ(dst, c.want) << c.name;
-    }
-}
-
 void BlendOracle(Frame& dst, const Frame& src, double factor)
 {
     const int64_t wd = IntegerPart(factor * 4096.0), ws = IntegerPart((1.0 - factor) * 4096.0);

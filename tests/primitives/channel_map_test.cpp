@@ -144,18 +144,6 @@ TEST(ChannelMapExFloat, EveryArrangement)
         });
 }
 
-TEST(ChannelMapFamily, EmptySizesReadNothing)
-{
-    for (const auto& [width, height] : {std::pair(0, 1), std::pair(1, 0), std::pair(-5, 3)}) {
-        EXPECT_TRUE(ChannelMap(nullptr, 4, 0, width, height, nullptr));
-        EXPECT_TRUE(ChannelMapEx(nullptr, 4, nullptr, 4, 3, width, height, nullptr));
-        EXPECT_TRUE(ChannelMapExFloat(nullptr, 16, nullptr, 16, 0, width, height, nullptr, 256));
-        EXPECT_TRUE(ChannelMergeLut(nullptr, 4, 3, width, height, nullptr));
-    }
-    for (const int32_t entries : {0, -1})
-        EXPECT_TRUE(ChannelMapExFloat(nullptr, 16, nullptr, 16, 0, 1, 1, nullptr, entries));
-}
-
 TEST(ChannelMapFamily, RefusesABadChannelBeforeAnythingElse)
 {
     std::vector<std::string> texts;

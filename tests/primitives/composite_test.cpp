@@ -115,49 +115,6 @@ void CheckComposite(const Frame& before, const Frame& src, int32_t bytesPerPixel
     });
 }
 
-struct Case8
-{
-    const char* name;
-    int32_t mode;
-    uint32_t dst, src;
-    double opacity;
-    uint32_t want;
-};
-
-constexpr Case8 kCases8[] = {
-    {"an opaque source replaces", 1, 0x80123456, 0xFFAABBCC, 1.0, 0xFFAABBCC},
-    {"a clear source keeps", 1, 0x80123456, 0x00000000, 1.0, 0x80123456},
-    {"over rounds by 127", 1, 0xFF000064, 0x80000040, 1.0, 0xFF000072},
-    {"over beyond 255 keeps its low bits", 1, 0xFF0000FF, 0x000000FF, 1.0, 0xFF0000FE},
-    {"which are cut behind the partial mix, not before", 1, 0xFF0000FF, 0x000000FF, 0.5, 0xFF00007F},
-    {"a partial mix cuts its fraction off", 1, 0x00000000, 0xFF000001, 0.5, 0x80000000},
-    {"opacity 0 keeps", 1, 0x12345678, 0xFFFFFFFF, 0.0, 0x12345678},
-    {"an opaque destination stays", 2, 0xFF123456, 0xFFAABBCC, 1.0, 0xFF123456},
-    {"destination over rounds by 127", 2, 0x80000040, 0xFF000064, 1.0, 0xFF000072},
-    {"destination over at opacity 0 is the source", 2, 0x12345678, 0xFEDCBA98, 0.0, 0xFEDCBA98},
-    {"add is capped, its alpha is over", 3, 0x80000AC8, 0x80001464, 1.0, 0xC0001EFF},
-    {"multiply, alpha too", 4, 0x800000C8, 0x80000064, 1.0, 0x4000004E},
-    {"overlay on both sides of 128, its alpha is over", 5, 0x8000807F, 0x80008080, 1.0, 0xC000817F},
-    {"screen, its alpha is over", 6, 0x80000064, 0x80000032, 1.0, 0xC0000083},
-    {"average rounds down, alpha too", 7, 0x03000001, 0x04000002, 1.0, 0x03000001},
-    {"opacity is rounded to a byte: 0", 4, 0xFF0000FF, 0xFF000000, 0.4999 / 255, 0xFF0000FF},
-    {"1", 4, 0xFF0000FF, 0xFF000000, 0.5001 / 255, 0xFF0000FE},
-    {"254", 4, 0xFF0000FF, 0xFF000000, 254.4999 / 255, 0xFF000001},
-    {"255", 4, 0xFF0000FF, 0xFF000000, 254.5001 / 255, 0xFF000000},
-    {"opacity below 0 is 0", 4, 0xFF0000FF, 0xFF000000, -1e300, 0xFF0000FF},
-    {"above 1 is 1", 4, 0xFF0000FF, 0xFF000000, 1e300, 0xFF000000},
-    {"no number is 0", 4, 0xFF0000FF, 0xFF000000, kNan, 0xFF0000FF},
-};
-
-TEST(Composite, Table8)
-{
-    for (const Case8& c : kCases8) {
-        uint32_t dst = c.dst;
-        EXPECT_TRUE(Composite(&dst, 4, &c.src, 4, 4, 1, 1, c.mode, c.opacity));
-        EXPECT_EQ(dst, c.want) << c.name << ": " << std::hex << dst;
-    }
-}
-
 struct CaseFloat
 {
     const char* name;

@@ -44,10 +44,4 @@ TEST(LutWithAlphaClamp, EveryForm)
         });
 }
 
-TEST(Lut, EmptySizesReadNothing)
-{
-    EXPECT_TRUE(Lut(nullptr, 4, 0, 1, nullptr));
-    EXPECT_TRUE(LutWithAlphaClamp(nullptr, 4, 1, -1, nullptr));
-}
-
 } // namespace

@@ -9,39 +9,6 @@ namespace {
 
 using namespace vxtest;
 
-struct MaskedCase
-{
-    const char* name;
-    uint32_t dst, mask, src, blended, faded;
-};
-
-constexpr MaskedCase kMaskedCases[] = {
-    {"a full mask takes src", 0xFF302010, 0xFFFFFFFF, 0xFF605040, 0xFF605040, 0xFF605040},
-    {"colours are capped at the alpha", 0x50FF2010, 0x00FFFFFF, 0xFF605040, 0x50505040, 0x50505040},
-    {"an empty mask caps only", 0x20FF1020, 0x00000000, 0xFFFFFFFF, 0x20201020, 0x20201020},
-    {"fade caps at the new alpha", 0xFFC8C8C8, 0xFFFFFFFF, 0x64C8C8C8, 0xFFC8C8C8, 0x64646464},
-    {"means are truncated", 0xFF0000FF, 0xFF8000FE, 0xFFFF0000, 0xFF800001, 0xFF800001},
-    {"each channel has its own weight", 0xFF000000, 0x80FF0001, 0x00FFFFFF, 0xFFFF0001, 0x7F7F0001},
-};
-
-TEST(MaskedBlend, Table)
-{
-    for (const MaskedCase& c : kMaskedCases) {
-        uint32_t dst = c.dst;
-        EXPECT_TRUE(MaskedBlend(&dst, 4, &c.mask, 4, &c.src, 4, 1, 1, nullptr));
-        EXPECT_EQ(dst, c.blended) << c.name;
-    }
-}
-
-TEST(MaskedFade, Table)
-{
-    for (const MaskedCase& c : kMaskedCases) {
-        uint32_t dst = c.dst;
-        EXPECT_TRUE(MaskedFade(&dst, 4, &c.src, 4, 4, &c.mask, 4, 1, 1));
-        EXPECT_EQ(dst, c.faded) << c.name;
-    }
-}
-
 // Whole numbers in doubles: the quotient is off by far less than 1 / 255.
 int64_t Mean(int64_t d, int64_t s, int64_t w)
 {

@@ -11,35 +11,6 @@ using namespace vxtest;
 
 constexpr uint8_t kPlainAlpha = 0, kPremultiplied = 1;
 
-struct MultiplyCase
-{
-    const char* name;
-    uint32_t pixel;
-    double factor;
-    uint8_t premultiplied;
-    uint32_t want;
-};
-
-constexpr MultiplyCase kMultiplyCases[] = {
-    {"1.0 changes nothing", 0x01FF8040, 1.0, kPlainAlpha, 0x01FF8040},
-    {"127 rounds a half down", 0x01030201, 0.5, kPlainAlpha, 0x00010100},
-    {"above 1.0 bytes wrap", 0xC8C8C8C8, 2.0, kPlainAlpha, 0x90909090},
-    {"premultiplied, they are capped", 0xFFC86464, 2.0, kPremultiplied, 0xFFFFC8C8},
-    {"and alpha stays", 0x80402010, 0.5, kPremultiplied, 0x80201008},
-    {"1.0 caps too", 0x20FF1020, 1.0, kPremultiplied, 0x20201020},
-    {"negative results keep their low bits", 0xFF010000, -1.0, kPremultiplied, 0xFF000000},
-    {"truncated toward zero", 0x00800102, -1.0, kPlainAlpha, 0x008100FF},
-};
-
-TEST(Multiply, Table)
-{
-    for (const MultiplyCase& c : kMultiplyCases) {
-        uint32_t pixel = c.pixel;
-        EXPECT_TRUE(Multiply(&pixel, 4, 4, 1, 1, c.factor, c.premultiplied));
-        EXPECT_EQ(pixel, c.want) << c.name;
-    }
-}
-
 void MultiplyOracle(Frame& frame, double factor, uint8_t premultiplied)
 {
     const int64_t k = IntegerPart(factor * 256.0 + 0.5);

@@ -120,16 +120,6 @@ TEST(ThresholdClear, FloatsBelowTheThreshold)
             });
 }
 
-TEST(ThresholdClear, RefusesOtherPixelSizesOnEmptyFramesToo)
-{
-    for (const int32_t bytesPerPixel : {-4, 0, 1, 3, 8, 12, 17}) {
-        EXPECT_FALSE(ThresholdClear(nullptr, 16, bytesPerPixel, 1, 1, 0.5f)) << bytesPerPixel;
-        EXPECT_FALSE(ThresholdClear(nullptr, 16, bytesPerPixel, 0, 1, 0.5f)) << bytesPerPixel;
-    }
-    EXPECT_TRUE(ThresholdClear(nullptr, 16, 4, 0, 1, 0.5f));
-    EXPECT_TRUE(ThresholdClear(nullptr, 16, 16, 1, 0, 0.5f));
-}
-
 struct ClipCase
 {
     const char* name;

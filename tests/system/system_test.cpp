@@ -52,46 +52,6 @@ TEST(OsVersion, Names)
             << c.platform << "-" << c.major << "." << c.minor;
 }
 
-TEST(OsVersion, Levels)
-{
-    const auto seven = System(2, 6, 1, 1), millennium = System(1, 4, 90, 0), ninetyFive = System(1, 4, 0, 3);
-    EXPECT_TRUE(vx::IsAtLeast(seven, VXOS_7, 1));
-    EXPECT_FALSE(vx::IsAtLeast(seven, VXOS_7, 2));
-    EXPECT_TRUE(vx::IsAtLeast(seven, VXOS_XP, 9)) << "a lower level's service packs do not matter";
-    EXPECT_FALSE(vx::IsAtLeast(seven, VXOS_8, 0));
-    EXPECT_FALSE(vx::IsAtLeast(seven, VXOS_95, 0)) << "the other line";
-    EXPECT_FALSE(vx::IsAtLeast(seven, 3, 0));
-    EXPECT_TRUE(vx::IsAtLeast(millennium, VXOS_98, 5));
-    EXPECT_TRUE(vx::IsAtLeast(millennium, -1, 5));
-    EXPECT_FALSE(vx::IsAtLeast(millennium, VXOS_NT4, 0));
-    EXPECT_FALSE(vx::IsAtLeast(ninetyFive, VXOS_98, 0));
-    EXPECT_TRUE(vx::IsAtLeast(ninetyFive, VXOS_95, 3));
-    EXPECT_FALSE(vx::IsAtLeast(System(1, 4, 1, 0), VXOS_98_SP1, 0)) << "this level's service pack is its own";
-    EXPECT_TRUE(vx::IsAtLeast(System(1, 4, 1, 1), VXOS_98_SP1, 7));
-}
-
-TEST(OsVersion, ThisSystem)
-{
-    EXPECT_TRUE(VxOSVersionOK(VXOS_8, 0));
-    EXPECT_FALSE(VxOSVersionOK(VXOS_8, 1));
-    EXPECT_EQ(VxIsWin95(), 0);
-    EXPECT_EQ(VxIsOS64Bit(), 1);
-    char16_t text[32] = u"";
-    EXPECT_EQ(VxGetOS(text, 32), 1);
-    EXPECT_TRUE(std::u16string(text).starts_with(u"Windows 8"));
-    char16_t cut[] = u"########";
-    EXPECT_EQ(VxGetOS(cut, 5), 1);
-    EXPECT_EQ(std::u16string(cut, 8), std::u16string(u"Wind\0###", 8));
-    EXPECT_EQ(VxGetOS(cut, 0), 1);
-}
-
-TEST(HighColor, TheOneMonitorHasIt)
-{
-    vx::RefreshHighColor();
-    EXPECT_EQ(VxIsHighColor(), 1);
-    EXPECT_EQ(VxIsAllMonitorsHighColor(), 1);
-}
-
 TEST(VersionText, IsReadAndCut)
 {
     const TempFolder folder;

@@ -54,27 +54,6 @@ TEST_F(PrintTokens, AreTheLastOnesRegistered)
     }
 }
 
-TEST_F(PrintTokens, AreNotScannedAgain)
-{
-    VxPrintF_AddToken(u"A", u"$(B)%d$$");
-    VxPrintF_AddToken(u"B", u"b");
-    VxPrintF_AddToken(u"", u"empty");
-    ExpectPrints({u"$(a)$(b)$()"}, u"$(B)%d$$bempty");
-}
-
-TEST(PrintTokensWithoutList, AreUnknown)
-{
-    EXPECT_EQ(VxPrintF_AddToken(u"a", u"b"), 0);
-    EXPECT_EQ(VxPrintF_DeleteToken(u"a"), 0);
-    EXPECT_EQ(Print({u"$(a)"}), u"$(a)");
-    vx::DestroyPrintTokens();
-    EXPECT_TRUE(vx::CreatePrintTokens());
-    EXPECT_EQ(VxPrintF_AddToken(u"a", u"b"), 1);
-    EXPECT_TRUE(vx::CreatePrintTokens()) << "an existing list stays";
-    EXPECT_EQ(Print({u"$(a)"}), u"b");
-    vx::DestroyPrintTokens();
-}
-
 // A reader sees one of the values that a token ever had, whole, while others come and go.
 TEST_F(PrintTokens, AreReplacedWhole)
 {

@@ -79,38 +79,6 @@ TEST(Smpte, LabelsThatDropFrameLeavesOutCountAsTheFirstOfTheirMinute)
     }
 }
 
-TEST(Smpte, StepsOfLabelsThatADayDoesNotHave)
-{
-    _smpteval label = Label(1, 37, 59, 59, 29);
-    VXSMPTE_IncrementByFrame(&label);
-    EXPECT_EQ(label, Label(1, 6, 0, 0, 0)) << "hours keep their low five bits";
-    label = Label(1, 37, 0, 0, 0);
-    VXSMPTE_DeccrementByFrame(&label, 0);
-    EXPECT_EQ(label, Label(1, 4, 59, 59, 29));
-    label = Label(kDrop, 0, 1, 0, 1);
-    VXSMPTE_DeccrementByFrame(&label, 0);
-    EXPECT_EQ(label, Label(kDrop, 0, 1, 0, 0)) << "only the first real label steps over the gap";
-}
-
-TEST(Smpte, UnknownFormatsCountNothing)
-{
-    for (const uint32_t format : {0u, 7u, 0xFFFFFFFFu}) {
-        const _smpteval label = Label(format, 1, 2, 3, 4), zero = Label(format, 0, 0, 0, 0);
-        EXPECT_EQ(VXSMPTE_SMPTEToFrameCount(&label), 0u);
-        _smpteval made = label;
-        VXSMPTE_SubtractSMPTE(&made, &label);
-        EXPECT_EQ(made, zero);
-        made = label;
-        VXSMPTE_AddSMPTE(&made, &label);
-        EXPECT_EQ(made, zero);
-        made = label;
-        VXSMPTE_NanoToSMPTE(123456789, &made);
-        EXPECT_EQ(made, zero);
-        EXPECT_EQ(VXSMPTE_TextToSMPTE(u"1:2:3:99", &made), 0);
-        EXPECT_EQ(made.frames, 99u) << "no carry without a rate";
-    }
-}
-
 TEST(Smpte, SumsOfTwoFormatsAddFramesNotDurations)
 {
     const struct

@@ -156,24 +156,6 @@ TEST_F(BitmapCommand, FieldsComeApartAndTogether)
     }
 }
 
-TEST_F(BitmapCommand, FloatsAreDitheredToBytes)
-{
-    Dib half(VXPIXEL_RGBA128, 8, 8);
-    for (int32_t y = 0; y < 8; ++y)
-        std::fill_n(reinterpret_cast<float*>(half.Row(y)), 32, 0.5f);
-    WritePicture(folder.File("half.bmp"), half);
-    const Plane cut = Made("convert half.bmp out.png --type rgba32 --quality 2");
-    ExpectPlane(
-        cut, [](int32_t, int32_t) { return 127; }, 0.01, "cut");
-    const Plane dithered = Made("convert half.bmp out.png --type rgba32");
-    for (int32_t block = 0; block < 4; ++block) {
-        double sum = 0;
-        for (int32_t i = 0; i < 16; ++i)
-            sum += dithered.At(block % 2 * 4 + i % 4, block / 2 * 4 + i / 4);
-        EXPECT_NEAR(sum, 8 * 127 + 8 * 128, 0.01) << "block " << block;
-    }
-}
-
 TEST_F(BitmapCommand, EveryTypeIsWrittenAndShown)
 {
     folder.Run("bars in.png --size 16x9");

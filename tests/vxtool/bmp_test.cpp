@@ -154,17 +154,6 @@ TEST(Bmp, HostileHeaders)
     }
 }
 
-TEST(Bmp, HostileMasks)
-{
-    const auto sentence = [](uint16_t bits, std::vector<uint32_t> masks) {
-        return Refusal(FileOf({56, 2, bits, 3, 0, std::move(masks), {}, {}}));
-    };
-    EXPECT_EQ(sentence(32, {0xFF0000, 0xFF00, 0xFF, 0}), "");
-    EXPECT_THAT(sentence(32, {0, 0, 0, 0xFF}), HasSubstr("not runs of bits"));
-    EXPECT_THAT(sentence(32, {0xFF00FF, 0xFF00, 0xFF, 0}), HasSubstr("not runs of bits"));
-    EXPECT_THAT(sentence(16, {0x1F0000, 0x3E0, 0x1F, 0}), HasSubstr("not runs of bits"));
-}
-
 TEST(Bmp, EveryPrefixIsRefused)
 {
     Random random;

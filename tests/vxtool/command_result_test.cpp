@@ -110,24 +110,6 @@ TEST(CommandResult, FirstPixels)
     EXPECT_EQ(folder.TemporaryFiles(), 0);
 }
 
-TEST(CommandResult, FlipsMoveTheCorners)
-{
-    const ToolFolder folder;
-    folder.Run("fill a.png --size 3x2 --colour 102030");
-    folder.Run("fill a.png a.png --area 0,0,1x1 --colour ffffff");
-    for (const std::string how : {"--horizontal", "--vertical", "--horizontal --vertical"})
-        for (const char* type : {"rgba32 out.png", "rgb24 out.bmp", "rgb32 out.bmp"}) {
-            const std::string out = std::string(type).substr(std::string(type).find(' ') + 1);
-            ASSERT_EQ(folder.Run(Join("flip a.png ", how, " --type ", type)).exitCode, 0) << how;
-            const Frame frame = ToFrame(ReadPicture(folder.File(out)).dib, Form::Bytes);
-            for (int32_t y = 0; y < 2; ++y)
-                for (int32_t x = 0; x < 3; ++x)
-                    EXPECT_EQ(frame.Get(x, y) == Gray(1.0f),
-                              x == 2 * how.starts_with("--h") && y == how.ends_with("--vertical"))
-                        << how << " " << type;
-        }
-}
-
 TEST(CommandResult, FloatsKeepSixteenBits)
 {
     const ToolFolder folder;
@@ -140,26 +122,6 @@ TEST(CommandResult, FloatsKeepSixteenBits)
         const double value = double(x) / 4999.0;
         ASSERT_NEAR(row[x].red, value * value, 3.0 / 65535.0) << x;
     }
-}
-
-TEST(CommandResult, BarsStandWhereTheyShould)
-{
-    const ToolFolder folder;
-    ASSERT_EQ(folder.Run("bars out.png --size 840x480").exitCode, 0);
-    const Dib dib = std::move(ReadPicture(folder.File("out.png")).dib);
-    const auto at = [&](int32_t x, int32_t y) { return ColourCode(RowOf(dib, y)[size_t(x)]) >> 8; };
-    constexpr uint32_t kTop[] = {0xBFBFBF, 0xBFBF00, 0x00BFBF, 0x00BF00, 0xBF00BF, 0xBF0000, 0x0000BF};
-    constexpr uint32_t kMiddle[] = {0x0000BF, 0x131313, 0xBF00BF, 0x131313, 0x00BFBF, 0x131313, 0xBFBFBF};
-    for (int32_t bar = 0; bar < 7; ++bar)
-        for (const int32_t x : {bar * 120, bar * 120 + 119}) {
-            EXPECT_TRUE(at(x, 0) == kTop[bar] && at(x, 319) == kTop[bar]) << x;
-            EXPECT_TRUE(at(x, 320) == kMiddle[bar] && at(x, 359) == kMiddle[bar]) << x;
-        }
-    constexpr std::pair<int32_t, uint32_t> kBottom[] = {{150, 0xFFFFFF}, {299, 0xFFFFFF}, {600, 0x090909},
-                                                        {640, 0x131313}, {680, 0x1D1D1D}, {719, 0x1D1D1D},
-                                                        {720, 0x131313}};
-    for (const auto& [x, colour] : kBottom)
-        EXPECT_EQ(at(x, 479), colour) << x;
 }
 
 TEST(CommandResult, SheetTakesPicturesOfAnyShape)

@@ -32,25 +32,6 @@ TEST(VxtoolFrame, TranslucentPixels)
         }
 }
 
-TEST(VxtoolFrame, EveryTypeKeepsItsOwnPixels)
-{
-    Random random;
-    for (const VxPixelType type : kFileTypes) {
-        if (type == VXPIXEL_PAL1) // written as black and white
-            continue;
-        const Dib dib = RandomDib(type, 19, 4, random);
-        const Dib back = ToDib(ToFrame(dib, Form::Floats), type);
-        for (int32_t y = 0; y < 4; ++y) {
-            const auto want = RowOf(dib, y), got = RowOf(back, y);
-            for (size_t x = 0; x < 19; ++x) {
-                ASSERT_NEAR(got[x].red, want[x].red, 1.6e-5) << NameOfType(type);
-                ASSERT_NEAR(got[x].blue, want[x].blue, 1.6e-5) << NameOfType(type);
-                ASSERT_EQ(got[x].alpha, want[x].alpha) << NameOfType(type);
-            }
-        }
-    }
-}
-
 TEST(VxtoolFrame, TypesWithoutAlphaShowThePictureOverBlack)
 {
     Frame frame(1, 1, Form::Bytes);
