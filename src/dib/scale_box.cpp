@@ -87,16 +87,23 @@ constexpr int32_t kMostBlocks = (kVectorSide / kSubpixelOne + 2 + 3) / 4;
 constexpr int32_t kStripColumns = 2048;
 constexpr int32_t kStripPairs = 512 * 2 * kMostBlocks;
 
+// Boxes of floats whose weights are kept at once.
+constexpr int32_t kFloatColumns = 256;
+
 struct Strip
 {
     int32_t start, count;
     BoxSpan spans[kStripColumns];
+    int32_t firstShares[kStripColumns], lastShares[kStripColumns]; // of the spans
 
     Strip(const ScaleAxis& axis, int32_t startAt)
         : start(startAt), count(std::min(axis.count - startAt, MostColumns(axis.step)))
     {
-        for (int32_t k = 0; k < count; ++k)
+        for (int32_t k = 0; k < count; ++k) {
             spans[k] = BoxSpanAt(axis, start + k);
+            firstShares[k] = spans[k].firstShare;
+            lastShares[k] = spans[k].lastShare;
+        }
     }
 
     // What vectors need besides.
@@ -397,51 +404,91 @@ void BoxByteRowWide(const ScaleJob& job, const Strip& strip, uint8_t* dest, int3
     BoxByteRow<true>(job, strip, dest, begin, end, y);
 }
 
-// The four channels of a box side by side, in the order of the plain form.
-template <class D>
-HWY_INLINE hn::Vec<D> SumOfFloats(D lanes, const ScaleJob& job, const BoxSpan& x, const BoxSpan& y)
+// What the pixels of a row weigh in a run of boxes: the first and the last of each, and those between.
+struct RowWeights
 {
-    const auto load = [&](const float* row, int32_t column) HWY_ATTR {
-        return hn::PromoteTo(lanes, hn::LoadU(hn::Rebind<float, D>(), row + 4 * int64_t(column)));
-    };
-    const auto share = [&](int32_t s) HWY_ATTR { return hn::Set(lanes, Multiplier<double>(s)); };
-    auto sum = hn::Zero(lanes);
-    for (int32_t line = y.first; line <= y.last; ++line) {
-        const auto* const row =
-            reinterpret_cast<const float*>(job.SourceRow(line)); // loaded from any address
-        const int32_t rowShare = ShareAt(y, line);
-        auto whole = hn::Zero(lanes);
-        for (int32_t column = x.first + 1; column < x.last; ++column)
-            whole = hn::Add(whole, load(row, column));
-        sum = hn::Add(sum, hn::Mul(load(row, x.first), share(CoverageProduct(x.firstShare, rowShare))));
-        sum = hn::Add(sum, hn::Mul(whole, share(rowShare)));
-        if (x.last != x.first)
-            sum = hn::Add(sum, hn::Mul(load(row, x.last), share(CoverageProduct(x.lastShare, rowShare))));
+    alignas(64) double first[kFloatColumns], last[kFloatColumns];
+    double inner;
+
+    HWY_INLINE void Set(const Strip& strip, int32_t start, int32_t count, int32_t rowShare)
+    {
+        for (int32_t k = 0; k < count; ++k) {
+            first[k] = Multiplier<double>(strip.firstShares[start + k] * rowShare >> kSubpixelBits);
+            last[k] = Multiplier<double>(strip.lastShares[start + k] * rowShare >> kSubpixelBits);
+        }
+        inner = Multiplier<double>(rowShare);
     }
+};
+
+// The rows of a box that begin it, lie in it whole and end it.
+struct BoxWeights
+{
+    RowWeights top, middle, bottom;
+
+    HWY_INLINE BoxWeights(const Strip& strip, int32_t start, int32_t count, const BoxSpan& y)
+    {
+        top.Set(strip, start, count, y.firstShare);
+        if (y.last > y.first + 1)
+            middle.Set(strip, start, count, kSubpixelOne);
+        if (y.last > y.first)
+            bottom.Set(strip, start, count, y.lastShare);
+    }
+};
+
+// Adds a row to the sum of a box, the four channels side by side, in the order of the plain form. Nothing is added for
+// no pixels between the ends: a sum is never -0.0, which 0.0 would change.
+template <class D>
+HWY_INLINE hn::Vec<D> AddFloatRow(D lanes, hn::Vec<D> sum, const uint8_t* row, const BoxSpan& x,
+                                  const RowWeights& weights, int32_t k)
+{
+    const auto* at = reinterpret_cast<const float*>(row) + 4 * int64_t(x.first); // loaded from any address
+    const auto load = [lanes](const float* pixel)
+                          HWY_ATTR { return hn::PromoteTo(lanes, hn::LoadU(hn::Rebind<float, D>(), pixel)); };
+    sum = hn::Add(sum, hn::Mul(load(at), hn::Set(lanes, weights.first[k])));
+    const float* const last = at + 4 * int64_t(x.last - x.first);
+    if (last > at + 4) {
+        auto whole = load(at + 4);
+        for (at += 8; at < last; at += 4)
+            whole = hn::Add(whole, load(at));
+        sum = hn::Add(sum, hn::Mul(whole, hn::Set(lanes, weights.inner)));
+    }
+    if (x.last != x.first)
+        sum = hn::Add(sum, hn::Mul(load(last), hn::Set(lanes, weights.last[k])));
     return sum;
 }
 
+// At most kFloatColumns boxes of a strip.
 template <class D>
-HWY_INLINE void BoxFloats(D lanes, const ScaleJob& job, const Strip& strip, uint8_t* dest, int32_t begin,
-                          int32_t end, const BoxSpan& y)
+HWY_INLINE void BoxFloats(D lanes, const ScaleJob& job, const Strip& strip, float* to, int32_t start,
+                          int32_t count, const BoxSpan& y)
 {
-    if constexpr (hn::MaxLanes(lanes) < 4) {
-        BoxRow<FloatPixel, double>(job, strip, dest, begin, end, y);
-    } else {
-        const hn::Rebind<float, D> floats;
-        const auto reciprocal = hn::Set(lanes, double(kSubpixelOne) / double(Area(job.x.step, job.y.step)));
-        for (int32_t k = begin; k < end; ++k) {
-            const auto mean = hn::Mul(SumOfFloats(lanes, job, strip.spans[k], y), reciprocal);
-            hn::StoreU(hn::DemoteTo(floats, mean), floats,
-                       reinterpret_cast<float*>(dest + int64_t(FloatPixel::kBytes) * k));
-        }
+    const hn::Rebind<float, D> floats;
+    const BoxWeights weights(strip, start, count, y);
+    const auto reciprocal = hn::Set(lanes, double(kSubpixelOne) / double(Area(job.x.step, job.y.step)));
+    const uint8_t *const top = job.SourceRow(y.first), *const bottom = job.SourceRow(y.last);
+    const int64_t stride = job.sourceStride;
+    for (int32_t k = 0; k < count; ++k) {
+        const BoxSpan& x = strip.spans[start + k];
+        auto sum = AddFloatRow(lanes, hn::Zero(lanes), top, x, weights.top, k);
+        for (int32_t line = y.first + 1; line < y.last; ++line)
+            sum = AddFloatRow(lanes, sum, top + stride * (line - y.first), x, weights.middle, k);
+        if (top != bottom)
+            sum = AddFloatRow(lanes, sum, bottom, x, weights.bottom, k);
+        hn::StoreU(hn::DemoteTo(floats, hn::Mul(sum, reciprocal)), floats, to + 4 * int64_t(k));
     }
 }
 
 void BoxFloatRow(const ScaleJob& job, const Strip& strip, uint8_t* dest, int32_t begin, int32_t end,
                  const BoxSpan& y)
 {
-    BoxFloats(hn::CappedTag<double, 4>(), job, strip, dest, begin, end, y);
+    const hn::CappedTag<double, 4> lanes;
+    if constexpr (hn::MaxLanes(lanes) < 4)
+        return BoxRow<FloatPixel, double>(job, strip, dest, begin, end, y);
+    else
+        for (int32_t k = begin; k < end; k += kFloatColumns) {
+            auto* const to = reinterpret_cast<float*>(dest + int64_t(FloatPixel::kBytes) * k);
+            BoxFloats(lanes, job, strip, to, k, std::min(kFloatColumns, end - k), y);
+        }
 }
 
 } // namespace
