@@ -2,6 +2,7 @@
 // among threads.
 #include "dib/copy_job.h"
 #include "dib/direct_rows.h"
+#include "dib/look_up.h"
 #include "kernel/parallel.h"
 #include "kernel/row_copy.h"
 
@@ -50,13 +51,22 @@ enum class Rows
     Differ, // in their dither
 };
 
-void RunRows(const CopyJob& job, DirectRowFn row, const VxTransferCurve& curve, Rows rows, int64_t cost)
+// row(to, from, pixels, y) works a row, or several joined.
+template <class Row>
+void ForRows(const CopyJob& job, Rows rows, int64_t cost, const Row& row)
 {
     const int64_t bytes = (job.dest.AllBytes() + job.source.AllBytes()) * cost;
     const int32_t joined = rows == Rows::Alike ? JoinedRows(job) : 1;
-    ParallelRows((job.dest.height - 1) / joined + 1, bytes, [&job, &curve, row, joined](int32_t i) {
+    ParallelRows((job.dest.height - 1) / joined + 1, bytes, [&job, &row, joined](int32_t i) {
         const int32_t y = i * joined, count = std::min(joined, job.dest.height - y);
-        row(job.dest.Bytes(y), job.source.Bytes(y), job.dest.width * count, y, curve);
+        row(job.dest.Bytes(y), job.source.Bytes(y), job.dest.width * count, y);
+    });
+}
+
+void RunRows(const CopyJob& job, DirectRowFn row, const VxTransferCurve& curve, Rows rows, int64_t cost)
+{
+    ForRows(job, rows, cost, [&curve, row](uint8_t* to, const uint8_t* from, int32_t pixels, int32_t y) {
+        row(to, from, pixels, y, curve);
     });
 }
 
@@ -143,9 +153,28 @@ void FloatsToFloats(const CopyJob& job, VxTransferCurve& curve)
         RunRows(job, SelectFloatToFloat(path.use), path);
 }
 
+// Four channels, each byte of which stands for a float of 256.
+void LookUpFloats(const CopyJob& job, const float* floats)
+{
+    constexpr int32_t kBytes = sizeof(*floats);
+    LookUpTable table;
+    std::memcpy(table.entries.data(), floats, kByteEntries * sizeof(*floats));
+    table.MakePlanes(8 * kBytes);
+    const LookUpFn lookUp = ChooseLookUp(8 * kBytes);
+    ForRows(job, Rows::Alike, 1, [&](uint8_t* to, const uint8_t* from, int32_t pixels, int32_t) {
+        const int64_t bytes = 4 * int64_t(pixels);
+        const int32_t steps = int32_t(bytes / kBytesInStep);
+        lookUp(to, from, steps, table);
+        for (int64_t i = int64_t(steps) * kBytesInStep; i < bytes; ++i)
+            std::memcpy(to + i * kBytes, floats + from[i], kBytes);
+    });
+}
+
 void BytesToFloats(const CopyJob& job, VxTransferCurve& curve, int32_t channels)
 {
     const PathCurve path(curve, BuildFloatTable, kByteEntries);
+    if (channels == 4 && path.use == CurveUse::Table)
+        return LookUpFloats(job, curve.floatTable);
     RunRows(job, SelectBytesToFloat(path.use, channels), path);
 }
 

@@ -153,12 +153,13 @@ HWY_NOINLINE void Bytes4To3Row(uint8_t* dest, const uint8_t* source, int32_t wid
         std::memcpy(dest, source, 3);
 }
 
-// The workers of one form. Indexes: 1 for four channels, not three; 1 for a table, not no curve.
+// The workers of one form. Indexes: 1 for four channels, not three; 1 for a table, not no curve. Bytes of four channels
+// and a table are all table.
 struct DirectForms
 {
     DirectRowFn dithered[2][2];
     DirectRowFn rounded[2], truncated[2], picked[2];
-    DirectRowFn toFloat[2][2];
+    DirectRowFn toFloat[2], toFloatByTable;
     DirectRowFn floats, bytes3To4, bytes4To3;
 };
 
@@ -174,8 +175,8 @@ constexpr DirectForms kDirectForms{
      Rows::template kToBytes<Levels::Truncated, CurveUse::None, 4>},
     {Rows::template kToBytes<Levels::Picked, CurveUse::Table, 3>,
      Rows::template kToBytes<Levels::Picked, CurveUse::Table, 4>},
-    {{Rows::template kToFloat<CurveUse::None, 3>, Rows::template kToFloat<CurveUse::Table, 3>},
-     {Rows::template kToFloat<CurveUse::None, 4>, Rows::template kToFloat<CurveUse::Table, 4>}},
+    {Rows::template kToFloat<CurveUse::None, 3>, Rows::template kToFloat<CurveUse::None, 4>},
+    Rows::template kToFloat<CurveUse::Table, 3>,
     Rows::kFloats,
     Rows::kBytes3To4,
     Rows::kBytes4To3,
@@ -439,7 +440,9 @@ DirectRowFn SelectFloatToFloat(CurveUse use)
 DirectRowFn SelectBytesToFloat(CurveUse use, int32_t channels)
 {
     const size_t four = channels == 4;
-    return use == CurveUse::Direct ? kToFloatDirectly[four] : Forms().toFloat[four][use == CurveUse::Table];
+    if (use == CurveUse::None)
+        return Forms().toFloat[four];
+    return use == CurveUse::Direct ? kToFloatDirectly[four] : Forms().toFloatByTable;
 }
 
 DirectRowFn SelectBytes3To4()

@@ -34,7 +34,8 @@ enum class Levels
 DirectRowFn SelectFloatToBytes(Levels levels, CurveUse use, int32_t channels);
 // Four floats a pixel, each through the curve: by a table of floats, or directly.
 DirectRowFn SelectFloatToFloat(CurveUse use);
-// channels of a source pixel; the fourth becomes 1.0 where there are 3. The table has an entry a byte.
+// channels of a source pixel; the fourth becomes 1.0 where there are 3. The table has an entry a byte, and pixels of four
+// have no row of theirs for it: each byte is looked up alike.
 DirectRowFn SelectBytesToFloat(CurveUse use, int32_t channels);
 // Three bytes and 255.
 DirectRowFn SelectBytes3To4();
