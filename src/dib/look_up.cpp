@@ -1,11 +1,12 @@
-// Look-ups in 256 entries: plain, one load each, which no lesser vectors beat; and by the byte permutations of the newest
-// target, which alone can look 64 bytes up at once.
+// Look-ups in 256 entries: plain, one load each; entries of a byte by any wide vectors, others by those that permute bytes
+// across 64.
+#define HWY_WANT_AVX3_DL // for its permutations of bytes
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "dib/look_up.cpp"
-#define HWY_WANT_AVX3_DL
-#define HWY_DISABLED_TARGETS (HWY_SSE4 | HWY_AVX2 | HWY_AVX3)
 #include <hwy/foreach_target.h> // includes this file once for each target
 #include <hwy/highway.h>
+
+#include "kernel/byte_look_up-inl.h"
 
 #ifndef VX_LOOK_UP_PLAIN
 #define VX_LOOK_UP_PLAIN
@@ -21,7 +22,7 @@ namespace {
 
 // Bytes out of a word, and entries into one, keep the compiler from making vectors of a loop that only loads.
 template <int32_t kBytes>
-void LookUpBytes(uint8_t* to, const uint8_t* from, int32_t steps, const LookUpTable& table)
+void PlainBytes(uint8_t* to, const uint8_t* from, int32_t steps, const LookUpTable& table)
 {
     const uint8_t* const entries = table.entries.data();
     for (int32_t i = 0; i < steps; ++i, from += kBytesInStep, to += kBytesInStep * kBytes) {
@@ -34,7 +35,7 @@ void LookUpBytes(uint8_t* to, const uint8_t* from, int32_t steps, const LookUpTa
 
 // The first entry takes the highest bits.
 template <int32_t kBits>
-void LookUpBits(uint8_t* to, const uint8_t* from, int32_t steps, const LookUpTable& table)
+void PlainBits(uint8_t* to, const uint8_t* from, int32_t steps, const LookUpTable& table)
 {
     const uint8_t* const values = table.planes[0].data();
     for (int32_t i = 0; i < steps; ++i, from += kBytesInStep, to += kBits) {
@@ -52,25 +53,25 @@ LookUpFn ChoosePlainLookUp(int32_t entryBits)
 {
     switch (entryBits) {
     case 1:
-        return LookUpBits<1>;
+        return PlainBits<1>;
     case 2:
-        return LookUpBits<2>;
+        return PlainBits<2>;
     case 4:
-        return LookUpBits<4>;
+        return PlainBits<4>;
     case 8:
-        return LookUpBytes<1>;
+        return PlainBytes<1>;
     case 16:
-        return LookUpBytes<2>;
+        return PlainBytes<2>;
     case 24:
-        return LookUpBytes<3>;
+        return PlainBytes<3>;
     case 32:
-        return LookUpBytes<4>;
+        return PlainBytes<4>;
     case 48:
-        return LookUpBytes<6>;
+        return PlainBytes<6>;
     case 64:
-        return LookUpBytes<8>;
+        return PlainBytes<8>;
     case 128:
-        return LookUpBytes<16>;
+        return PlainBytes<16>;
     default:
         return nullptr;
     }
@@ -86,36 +87,40 @@ namespace vx {
 namespace HWY_NAMESPACE {
 namespace {
 
-#if HWY_TARGET == HWY_AVX3_DL
-
 namespace hn = hwy::HWY_NAMESPACE;
 
-using Bytes = hn::ScalableTag<uint8_t>;
-using Vector = hn::Vec<Bytes>;
-constexpr int32_t kLanes = 64;
+#if VX_VECTOR_BYTE_TABLES
+
+constexpr int32_t kLanes = int32_t(hn::MaxLanes(TableBytes()));
 constexpr int32_t kStepsInVector = kLanes / kBytesInStep;
 
-// Highway has no look-up in more than a block of 16 bytes.
-struct Plane
+template <int32_t kBytes>
+void VectorBytes(uint8_t* to, const uint8_t* from, int32_t steps, const LookUpTable& table)
 {
-    Vector first, second, third, fourth;
-
-    explicit Plane(const std::array<uint8_t, kByteValues>& bytes)
-        : first(hn::Load(Bytes(), bytes.data())), second(hn::Load(Bytes(), bytes.data() + kLanes)),
-          third(hn::Load(Bytes(), bytes.data() + 2 * kLanes)),
-          fourth(hn::Load(Bytes(), bytes.data() + 3 * kLanes))
-    {}
-    HWY_INLINE Vector LookUp(Vector indexes) const
-    {
-        // These take the low seven bits of an index, the choice its highest.
-        const __m512i low = _mm512_permutex2var_epi8(first.raw, indexes.raw, second.raw);
-        const __m512i high = _mm512_permutex2var_epi8(third.raw, indexes.raw, fourth.raw);
-        return Vector{_mm512_mask_blend_epi8(_mm512_movepi8_mask(indexes.raw), low, high)};
+    const TableBytes lanes;
+    const ByteLookUp first(table.planes[0].data()), second(table.planes[1].data()),
+        third(table.planes[2].data()), fourth(table.planes[3].data());
+    for (; steps >= kStepsInVector; steps -= kStepsInVector, from += kLanes, to += kLanes * kBytes) {
+        const TableVec indexes = hn::LoadU(lanes, from);
+        if constexpr (kBytes == 1)
+            hn::StoreU(first(indexes), lanes, to);
+        else if constexpr (kBytes == 2)
+            hn::StoreInterleaved2(first(indexes), second(indexes), lanes, to);
+        else if constexpr (kBytes == 3)
+            hn::StoreInterleaved3(first(indexes), second(indexes), third(indexes), lanes, to);
+        else
+            hn::StoreInterleaved4(first(indexes), second(indexes), third(indexes), fourth(indexes), lanes,
+                                  to);
     }
-};
+    PlainBytes<kBytes>(to, from, steps, table);
+}
+
+#endif
+
+#if VX_WIDE_BYTE_TABLES
 
 template <int32_t kBits>
-HWY_INLINE void StoreBits(Vector values, uint8_t* to)
+HWY_INLINE void StoreBits(TableVec values, uint8_t* to)
 {
     const auto weights = [](int32_t first, int32_t second) { return second << 8 | first; };
     if constexpr (kBits == 1) {
@@ -133,72 +138,50 @@ HWY_INLINE void StoreBits(Vector values, uint8_t* to)
 
 // A test's mask has the first pixel lowest, which the byte has highest.
 template <int32_t kBits>
-HWY_INLINE Vector LoadIndexes(const uint8_t* from)
+HWY_INLINE TableVec LoadIndexes(const uint8_t* from)
 {
     alignas(16) static constexpr uint8_t kTurned[16] = {7, 6, 5, 4, 3, 2, 1, 0, 15, 14, 13, 12, 11, 10, 9, 8};
-    const Vector indexes = hn::LoadU(Bytes(), from);
-    return kBits == 1 ? hn::TableLookupBytes(indexes, hn::LoadDup128(Bytes(), kTurned)) : indexes;
+    const TableBytes lanes;
+    const TableVec indexes = hn::LoadU(lanes, from);
+    return kBits == 1 ? hn::TableLookupBytes(indexes, hn::LoadDup128(lanes, kTurned)) : indexes;
 }
 
 template <int32_t kBits>
 void VectorBits(uint8_t* to, const uint8_t* from, int32_t steps, const LookUpTable& table)
 {
-    const Plane values(table.planes[0]);
+    const ByteLookUp values(table.planes[0].data());
     for (; steps >= kStepsInVector; steps -= kStepsInVector, from += kLanes, to += kBits * kStepsInVector)
-        StoreBits<kBits>(values.LookUp(LoadIndexes<kBits>(from)), to);
-    LookUpBits<kBits>(to, from, steps, table);
+        StoreBits<kBits>(values(LoadIndexes<kBits>(from)), to);
+    PlainBits<kBits>(to, from, steps, table);
 }
 
-template <int32_t kBytes>
-void VectorBytes(uint8_t* to, const uint8_t* from, int32_t steps, const LookUpTable& table)
-{
-    const Bytes lanes;
-    const Plane p0(table.planes[0]), p1(table.planes[1]), p2(table.planes[2]), p3(table.planes[3]);
-    for (; steps >= kStepsInVector; steps -= kStepsInVector, from += kLanes, to += kLanes * kBytes) {
-        const Vector indexes = hn::LoadU(lanes, from);
-        if constexpr (kBytes == 1)
-            hn::StoreU(p0.LookUp(indexes), lanes, to);
-        else if constexpr (kBytes == 2)
-            hn::StoreInterleaved2(p0.LookUp(indexes), p1.LookUp(indexes), lanes, to);
-        else if constexpr (kBytes == 3)
-            hn::StoreInterleaved3(p0.LookUp(indexes), p1.LookUp(indexes), p2.LookUp(indexes), lanes, to);
-        else
-            hn::StoreInterleaved4(p0.LookUp(indexes), p1.LookUp(indexes), p2.LookUp(indexes),
-                                  p3.LookUp(indexes), lanes, to);
-    }
-    LookUpBytes<kBytes>(to, from, steps, table);
-}
+#endif
 
 LookUpFn ChooseVectorLookUp(int32_t entryBits)
 {
     switch (entryBits) {
+#if VX_WIDE_BYTE_TABLES
     case 1:
         return VectorBits<1>;
     case 2:
         return VectorBits<2>;
     case 4:
         return VectorBits<4>;
-    case 8:
-        return VectorBytes<1>;
     case 16:
         return VectorBytes<2>;
     case 24:
         return VectorBytes<3>;
     case 32:
         return VectorBytes<4>;
+#endif
+#if VX_VECTOR_BYTE_TABLES
+    case 8:
+        return VectorBytes<1>;
+#endif
     default:
         return ChoosePlainLookUp(entryBits);
     }
 }
-
-#else
-
-LookUpFn ChooseVectorLookUp(int32_t entryBits)
-{
-    return ChoosePlainLookUp(entryBits);
-}
-
-#endif
 
 } // namespace
 } // namespace HWY_NAMESPACE

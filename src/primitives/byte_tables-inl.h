@@ -1,4 +1,4 @@
-// Lookups in tables of 256 bytes, as many at once as a vector has bytes. Included once for each target.
+// Pixels of four bytes apart by channel, for lookups in byte_look_up-inl.h. Included once for each target.
 #if defined(VX_BYTE_TABLES_INL_H) == defined(HWY_TARGET_TOGGLE)
 #ifdef VX_BYTE_TABLES_INL_H
 #undef VX_BYTE_TABLES_INL_H
@@ -6,15 +6,8 @@
 #define VX_BYTE_TABLES_INL_H
 #endif
 
+#include "kernel/byte_look_up-inl.h"
 #include "primitives/byte_tables.h"
-
-#include <hwy/highway.h>
-
-// Targets whose lookups beat a loop over single bytes; VX_WIDE_BYTE_TABLES: at little cost.
-#undef VX_VECTOR_BYTE_TABLES
-#undef VX_WIDE_BYTE_TABLES
-#define VX_WIDE_BYTE_TABLES (HWY_TARGET == HWY_AVX3_DL)
-#define VX_VECTOR_BYTE_TABLES (VX_WIDE_BYTE_TABLES || HWY_TARGET == HWY_AVX3 || HWY_TARGET == HWY_AVX2)
 
 #if VX_VECTOR_BYTE_TABLES
 
@@ -22,52 +15,22 @@ HWY_BEFORE_NAMESPACE();
 namespace vx {
 namespace HWY_NAMESPACE {
 
-using TableBytes = hwy::HWY_NAMESPACE::ScalableTag<uint8_t>;
-using TableVec = hwy::HWY_NAMESPACE::Vec<TableBytes>;
-
-#if VX_WIDE_BYTE_TABLES
-
-// A two-register permutation reads 128 entries by the low seven bits of the index.
-HWY_INLINE TableVec LookUpHalf(const uint8_t* half, TableVec index)
-{
-    const TableBytes bytes;
-    const auto first = hwy::HWY_NAMESPACE::Load(bytes, half);
-    const auto second = hwy::HWY_NAMESPACE::Load(bytes, half + 64);
-    return TableVec{_mm512_permutex2var_epi8(first.raw, index.raw, second.raw)};
-}
-
-HWY_INLINE TableVec LookUpBytes(const uint8_t* table, TableVec index)
-{
-    namespace hn = hwy::HWY_NAMESPACE;
-    const auto upper = hn::MaskFromVec(index); // on this target, its top bits
-    return hn::IfThenElse(upper, LookUpHalf(table + 128, index), LookUpHalf(table, index));
-}
-
-#else
-
-// Sixteen lookups of 16 entries each: the index's high half says whose result counts.
-HWY_INLINE TableVec LookUpBytes(const uint8_t* table, TableVec index)
-{
-    namespace hn = hwy::HWY_NAMESPACE;
-    const TableBytes bytes;
-    const auto low = hn::And(index, hn::Set(bytes, 0x0F));
-    const auto high = hn::And(index, hn::Set(bytes, 0xF0));
-    auto result = hn::Zero(bytes);
-    HWY_UNROLL(16)
-    for (int row = 0; row < 256; row += 16) {
-        const auto found = hn::TableLookupBytes(hn::LoadDup128(bytes, table + row), low);
-        result = hn::IfThenElse(hn::Eq(high, hn::Set(bytes, uint8_t(row))), found, result);
-    }
-    return result;
-}
-
-#endif
-
 // As many pixels as a vector has bytes, channel by channel. Their order is the same in each plane, and
 // is not that of memory: putting them in order would cost more than the lookups.
 struct PixelPlanes
 {
     TableVec channel[4];
+};
+
+// The columns of a table of four-byte entries.
+struct ColumnLookUps
+{
+    ByteLookUp column[4];
+
+    HWY_INLINE explicit ColumnLookUps(const ByteTables& tables)
+        : column{ByteLookUp(tables.column[0]), ByteLookUp(tables.column[1]), ByteLookUp(tables.column[2]),
+                 ByteLookUp(tables.column[3])}
+    {}
 };
 
 // Both steps are transpositions of 4 x 4, of the bytes of four pixels and of the groups of four vectors,

@@ -86,11 +86,11 @@ namespace {
 namespace hn = hwy::HWY_NAMESPACE;
 
 #if VX_WIDE_BYTE_TABLES
-HWY_INLINE void StorePixels(const ByteTables& table, TableVec index, uint8_t* dst)
+HWY_INLINE void StorePixels(const ColumnLookUps& lookUps, TableVec index, uint8_t* dst)
 {
     PixelPlanes pixels;
     for (int c = 0; c < 4; ++c)
-        pixels.channel[c] = LookUpBytes(table.column[c], index);
+        pixels.channel[c] = lookUps.column[c](index);
     StorePlanes(pixels, dst);
 }
 
@@ -120,8 +120,9 @@ void MapRowVector(uint8_t* dst, const uint8_t* src, int64_t width, int32_t chann
 {
 #if VX_WIDE_BYTE_TABLES
     const int64_t step = int64_t(hn::Lanes(TableBytes()));
+    const ColumnLookUps lookUps(table.bytes);
     for (; width >= step; width -= step, dst += 4 * step, src += 4 * step)
-        StorePixels(table.bytes, LoadPlane(src, channel), dst);
+        StorePixels(lookUps, LoadPlane(src, channel), dst);
 #endif
     MapRow(dst, src, width, channel, table);
 }
@@ -130,8 +131,9 @@ void MergeRowVector(uint8_t* row, int64_t width, uint32_t summed, const PixelTab
 {
 #if VX_WIDE_BYTE_TABLES
     const int64_t step = int64_t(hn::Lanes(TableBytes()));
+    const ColumnLookUps lookUps(table.bytes);
     for (; width >= step; width -= step, row += 4 * step)
-        StorePixels(table.bytes, SumOfChannels(LoadPlanes(row), summed), row);
+        StorePixels(lookUps, SumOfChannels(LoadPlanes(row), summed), row);
 #endif
     MergeRow(row, width, summed, table);
 }

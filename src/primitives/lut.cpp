@@ -49,10 +49,11 @@ void LutRowVector(uint8_t* row, int64_t width, const ByteTables& tables)
 {
 #if VX_VECTOR_BYTE_TABLES
     const int64_t step = int64_t(hn::Lanes(TableBytes()));
+    const ColumnLookUps lookUps(tables);
     for (; width >= step; width -= step, row += 4 * step) {
         PixelPlanes pixels = LoadPlanes(row);
         for (int c = 3; c >= 0; --c) {
-            pixels.channel[c] = LookUpBytes(tables.column[c], pixels.channel[c]);
+            pixels.channel[c] = lookUps.column[c](pixels.channel[c]);
             if (kClampToAlpha)
                 pixels.channel[c] = hn::Min(pixels.channel[c], pixels.channel[3]);
         }

@@ -84,10 +84,11 @@ void LookUpMaskVector(const uint8_t* mask, const ByteTables& tables, int32_t wid
 {
 #if VX_VECTOR_BYTE_TABLES
     const int32_t step = int32_t(hn::Lanes(TableBytes()));
+    const ColumnLookUps lookUps(tables);
     for (; width >= step; width -= step, mask += 4 * step, weights += 4 * step) {
         PixelPlanes pixels = LoadPlanes(mask);
         for (int c = 0; c < 3; ++c)
-            pixels.channel[c] = LookUpBytes(tables.column[c], pixels.channel[c]);
+            pixels.channel[c] = lookUps.column[c](pixels.channel[c]);
         StorePlanes(pixels, weights);
     }
 #endif
