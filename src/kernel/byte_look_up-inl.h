@@ -31,7 +31,8 @@ class ByteLookUp
 {
 public:
     HWY_INLINE explicit ByteLookUp(const uint8_t* table) // at a multiple of 64
-        : first_(Load(table)), second_(Load(table + 64)), third_(Load(table + 128)), fourth_(Load(table + 192))
+        : first_(Load(table)), second_(Load(table + 64)), third_(Load(table + 128)),
+          fourth_(Load(table + 192))
     {}
     HWY_INLINE TableVec operator()(TableVec index) const
     {
