@@ -114,19 +114,21 @@ TEST(DibCopy, EveryPairOfTypesInEveryForm)
     }
 }
 
-// From as many bytes as make a table worth its while, with a rest in each row and without.
+// From as many bytes as make a table worth its while, with a rest in each row and without, from a byte on and not.
 TEST(DibCopy, NarrowSourcesInEveryForm)
 {
     for (const VectorLevel& level : AllForms()) {
         const OnlyLevel only(level);
         for (const auto& [type, inByte] :
              std::map<int32_t, int32_t>{{16, 8}, {18, 4}, {19, 2}, {23, 2}, {24, 1}})
-            for (int32_t i = 0; i < kTypes; ++i) {
+            for (int32_t i = 0; i < 2 * kTypes; ++i) {
                 Random random{uint64_t(type * kTypes + i)};
-                const int32_t width = inByte * 704 + (i % 2) * random.Int(1, 70);
-                const Picture source(type, width, 6, Rows::Tight, random);
-                ExpectModel(Picture(16 + i, width, 6, Rows::Tight, random), source,
-                            {{}, {}, kQualities[random.Int(0, 7)]});
+                const int32_t left = i % 3 == 2 ? 3 : 0;
+                const int32_t width = inByte * 704 + i / 2 % 2 * random.Int(1, 70);
+                const RECT rect{left, 0, left + width, 6};
+                const Picture source(type, left + width, 6, Rows::Tight, random);
+                ExpectModel(Picture(16 + i % kTypes, left + width, 6, Rows::Tight, random), source,
+                            {rect, rect, kQualities[random.Int(0, 7)]});
                 ASSERT_FALSE(HasFatalFailure()) << level.name;
             }
     }
