@@ -141,15 +141,23 @@ HWY_INLINE hn::Vec<Bytes16> PickedBytes(const float* from, const VxTransferCurve
     return hn::Load(Bytes16(), levels);
 }
 
-// Integers of floats that are in their range, whose conversion the target's own instruction does alone.
-HWY_INLINE hn::Vec<Longs> TruncatedInRange(hn::Vec<Floats> x)
+// Units times 255 as integers, which packing holds to bytes: on x86 a minimum keeps a NaN as its second operand, and
+// converting takes it, as all that is far below 0, to the least integer.
+HWY_INLINE hn::Vec<Longs> TruncatedLevels(hn::Vec<Floats> x)
 {
-#if HWY_TARGET <= HWY_AVX3 && HWY_ARCH_X86
-    return hn::Vec<Longs>{_mm512_cvttps_epi32(x.raw)};
+    const Floats d;
+    const auto scale = hn::Set(d, 255.0f);
+#if HWY_ARCH_X86
+    const auto levels = hn::Mul(hn::Min(hn::Set(d, 1.0f), x), scale);
+#if HWY_TARGET <= HWY_AVX3
+    return hn::Vec<Longs>{_mm512_cvttps_epi32(levels.raw)};
 #elif HWY_TARGET == HWY_AVX2
-    return hn::Vec<Longs>{_mm256_cvttps_epi32(x.raw)};
+    return hn::Vec<Longs>{_mm256_cvttps_epi32(levels.raw)};
 #else
-    return hn::ConvertTo(Longs(), x);
+    return hn::Vec<Longs>{_mm_cvttps_epi32(levels.raw)};
+#endif
+#else
+    return hn::ConvertTo(Longs(), hn::Mul(HeldToUnit(x), scale));
 #endif
 }
 
@@ -165,7 +173,7 @@ HWY_INLINE auto LevelsOf(V x, const float* dither, const VxTransferCurve& curve)
         x = hn::Add(x, hn::Load(d, dither));
     else if constexpr (levels == Levels::Rounded)
         x = hn::Add(x, hn::Set(d, kHalfStep));
-    return TruncatedInRange(hn::Mul(HeldToUnit(x), hn::Set(d, 255.0f)));
+    return TruncatedLevels(x);
 }
 
 // 16 levels as bytes; level(k) gives those of vector k.
@@ -205,9 +213,7 @@ HWY_INLINE hn::Vec<Bytes16> BytesOf(const float* from, const float* dither, cons
 template <class Level>
 HWY_INLINE Vector8 JoinFourLevels(const Level& level)
 {
-    const auto low = hn::Or(level(0), hn::ShiftLeft<8>(level(1)));
-    const auto high = hn::Or(hn::ShiftLeft<16>(level(2)), hn::ShiftLeft<24>(level(3)));
-    return InOrder(hn::Or(low, high));
+    return BlocksInOrder(PackLongs(Lanes8(), level(0), level(1), level(2), level(3)));
 }
 
 } // namespace

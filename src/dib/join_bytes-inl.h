@@ -7,6 +7,7 @@
 #endif
 
 #include "exchange/pixels24-inl.h"
+#include "kernel/pack_lanes-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace vx {
@@ -15,6 +16,14 @@ namespace {
 
 using Lanes32 = hwy::HWY_NAMESPACE::Repartition<int32_t, Lanes8>;
 
+// Each block has four bytes of each of four vectors: gives these vectors' bytes one after the other.
+HWY_INLINE Vector8 BlocksInOrder(Vector8 blocks)
+{
+    alignas(64) static constexpr int32_t kRows16[16] = {0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15};
+    alignas(32) static constexpr int32_t kRows8[8] = {0, 4, 1, 5, 2, 6, 3, 7};
+    return MoveLanes(blocks, kPixels24 == 16 ? kRows16 : kRows8);
+}
+
 // Each lane has one byte of each of four vectors, the first one's in the low byte: gives these vectors' bytes one after
 // the other.
 HWY_INLINE Vector8 InOrder(hwy::HWY_NAMESPACE::Vec<Lanes32> lanes)
@@ -22,11 +31,8 @@ HWY_INLINE Vector8 InOrder(hwy::HWY_NAMESPACE::Vec<Lanes32> lanes)
     namespace hn = hwy::HWY_NAMESPACE;
     alignas(16) static constexpr uint8_t kColumns[16] = {0, 4, 8,  12, 1, 5, 9,  13,
                                                          2, 6, 10, 14, 3, 7, 11, 15};
-    alignas(64) static constexpr int32_t kRows16[16] = {0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15};
-    alignas(32) static constexpr int32_t kRows8[8] = {0, 4, 1, 5, 2, 6, 3, 7};
-    const auto blocks =
-        hn::TableLookupBytes(hn::BitCast(Lanes8(), lanes), hn::LoadDup128(Lanes8(), kColumns));
-    return MoveLanes(blocks, kPixels24 == 16 ? kRows16 : kRows8);
+    return BlocksInOrder(
+        hn::TableLookupBytes(hn::BitCast(Lanes8(), lanes), hn::LoadDup128(Lanes8(), kColumns)));
 }
 
 } // namespace

@@ -12,6 +12,7 @@
 #define VX_PRIMITIVES_ARITHMETIC_INL_H
 #endif
 
+#include "kernel/pack_lanes-inl.h"
 #include "primitives/row_loops-inl.h"
 #include "primitives/weights.h"
 
@@ -100,35 +101,6 @@ HWY_INLINE V SumOfPair(V v, V w)
     const auto highProduct = hn::Mul(hn::And(hn::ShiftRight<8>(v), low), hn::ShiftRight<8>(w));
     return hn::Add(lowProduct, highProduct);
 #endif
-}
-
-// The lanes of two vectors, 0 to 255, as bytes in the order from which the lower and upper halves of each
-// 16-byte block made these vectors.
-template <class D, class V>
-HWY_INLINE hn::Vec<D> PackPairs(D bytes, V lower, V upper)
-{
-#if HWY_TARGET <= HWY_SSSE3 && HWY_ARCH_X86
-    if constexpr (sizeof(V) == 16)
-        return hn::BitCast(bytes, V{_mm_packus_epi16(lower.raw, upper.raw)});
-#if HWY_TARGET <= HWY_AVX2
-    else if constexpr (sizeof(V) == 32)
-        return hn::BitCast(bytes, V{_mm256_packus_epi16(lower.raw, upper.raw)});
-#endif
-#if HWY_TARGET <= HWY_AVX3
-    else
-        return hn::BitCast(bytes, V{_mm512_packus_epi16(lower.raw, upper.raw)});
-#endif
-#else // a vector is one block
-    return hn::ConcatEven(bytes, hn::BitCast(bytes, upper), hn::BitCast(bytes, lower));
-#endif
-}
-
-// The same from four vectors of 32-bit lanes: a block of the result holds four bytes of each.
-template <class D, class V>
-HWY_INLINE hn::Vec<D> PackLongs(D bytes, V v0, V v1, V v2, V v3)
-{
-    const hn::Repartition<int16_t, D> words;
-    return PackPairs(bytes, hn::ReorderDemote2To(words, v0, v1), hn::ReorderDemote2To(words, v2, v3));
 }
 
 // Applies op to pairs of the bytes of low and high, as signed 16-bit lanes; it returns 0 to 255.
