@@ -152,4 +152,17 @@ TEST_F(DibPrepare, MakesTheColourMapOfAPaletteDestination)
     DibCleanupSubpixelParam(nullptr);
 }
 
+TEST_F(DibPrepare, Refuses)
+{
+    const BITMAPINFOHEADER* const colours = Dib(VXPIXEL_RGB32, 4, 4);
+    const RECT almostPixel{0, 0, kOne - 1, kOne}, pixel{0, 0, kOne, kOne};
+    EXPECT_EQ(Prepare(Dib(VXPIXEL_UYVY, 4, 4), nullptr, colours), 0);
+    EXPECT_EQ(Prepare(colours, nullptr, Dib(VXPIXEL_I420, 4, 4)), 0);
+    EXPECT_EQ(Prepare(colours, &almostPixel, colours), 0);
+    EXPECT_EQ(Prepare(colours, &pixel, colours), 1);
+    BITMAPINFOHEADER* const noColours = Dib(VXPIXEL_PAL8, 4, 4, 16);
+    noColours->biClrUsed = 0;
+    EXPECT_EQ(Prepare(noColours, nullptr, colours), 0);
+}
+
 } // namespace
