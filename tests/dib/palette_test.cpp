@@ -166,4 +166,19 @@ TEST(ColourMap, IsTheFlood)
     }
 }
 
+TEST(ColourMap, RefusalsClearTheResult)
+{
+    Random random;
+    Picture bitmap(VXPIXEL_PAL8, 1, 1, Rows::Tight, random, false, 2);
+    uint8_t byte = 0;
+    uint8_t* map = &byte;
+    VxPlatform_FailAllocationAt(1);
+    EXPECT_EQ(VxDibCreateColorQuantizer(&map, bitmap.Header()), E_OUTOFMEMORY);
+    EXPECT_EQ(map, nullptr);
+    bitmap.Header()->biClrUsed = 0;
+    map = &byte;
+    EXPECT_EQ(VxDibCreateColorQuantizer(&map, bitmap.Header()), E_INVALIDARG);
+    EXPECT_EQ(map, nullptr);
+}
+
 } // namespace

@@ -62,4 +62,18 @@ TEST(PixelAccess, ShortTablesAndMissingMaps)
     EXPECT_EQ(p.Row(0)[0], 3);
 }
 
+TEST(PixelAccess, TypeComesBeforePlace)
+{
+    Random random;
+    Picture rgb(VXPIXEL_RGB24, 3, 2, Rows::Tight, random), yuv(VXPIXEL_UYVY, 4, 2, Rows::Tight, random);
+    uint64_t pixel = 7;
+    for (const auto& [x, y] : {std::pair{-1, 0}, {3, 0}, {0, -1}, {0, 2}, {INT32_MAX, INT32_MIN}}) {
+        EXPECT_EQ(VxDibGetPixel(rgb.Header(), nullptr, 0, x, y, &pixel), E_NOTIMPL);
+        EXPECT_EQ(VxDibSetPixel(rgb.Header(), nullptr, 0, x, y, &pixel), E_INVALIDARG);
+        EXPECT_EQ(VxDibSetPixel(yuv.Header(), nullptr, 0, x, y, &pixel), E_NOTIMPL);
+    }
+    EXPECT_EQ(VxDibGetPixel(yuv.Header(), nullptr, 0, 0, 0, &pixel), E_NOTIMPL);
+    EXPECT_EQ(pixel, 7u);
+}
+
 } // namespace

@@ -79,4 +79,16 @@ TEST_F(Capability, OnlyTheProbeChangesTheFloatMode)
         testing::ExitedWithCode(0), "");
 }
 
+TEST(FourCC, UnprintableByteEndsTheText)
+{
+    const std::pair<uint32_t, std::u16string> cases[] = {{0x756E6547, u"Genu"},
+                                                         {0x41421F41, std::u16string(u"A\0BA", 4)},
+                                                         {0x7F7E2080, std::u16string(u"\0 ~\0", 4)}};
+    for (const auto& [fourCC, want] : cases) {
+        std::u16string text = u"xxxxxx";
+        VxFourCCToStringCPU(int32_t(fourCC), text.data());
+        EXPECT_EQ(text, want + u'\0' + u'x');
+    }
+}
+
 } // namespace

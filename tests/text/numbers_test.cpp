@@ -143,6 +143,64 @@ std::u16string FormatGroup(const char16_t* source, uint32_t decimals)
     return Call([=](char16_t* text) { return VxFormatGroupDecimalNumber(source, text, 128, decimals); });
 }
 
+// The rule is one; each function must hand it its own arguments in the right order.
+template <class T, class ReadEx>
+void ExpectDefaultAndLimits(ReadEx readEx)
+{
+    const struct
+    {
+        const char16_t* text;
+        int defaultValue, minimum, maximum, want, end;
+    } cases[] = {
+        {u"0;", 7, 0, 50, 7, 1},  // a zero with something behind it is no number
+        {u"0 ;", 7, 0, 50, 0, 1}, // but white space ends one
+        {u"0\u3000", 7, 0, 50, 0, 1}, {u"  ", 7, 3, 50, 3, 2},
+        {u"9;", 7, 0, 50, 9, 1},      {u"xyz", 7, 8, 50, 8, 0},  // the default has the limits too
+        {u"xyz", 70, 0, 50, 50, 0},   {u"30", 7, 40, 20, 40, 2}, // crossed limits: the minimum is first
+        {u"45", 7, 40, 20, 20, 2},
+    };
+    for (const auto& c : cases) {
+        const char16_t* end = nullptr;
+        EXPECT_EQ(readEx(c.text, T(c.defaultValue), T(c.minimum), T(c.maximum), &end), T(c.want))
+            << &c - cases;
+        EXPECT_EQ(end - c.text, c.end) << &c - cases;
+        EXPECT_EQ(readEx(c.text, T(c.defaultValue), T(c.minimum), T(c.maximum), nullptr), T(c.want));
+    }
+}
+
+TEST(Numbers, DefaultsAndLimits)
+{
+    const OnlyLocale locale("en-US");
+    ExpectDefaultAndLimits<uint32_t>(VxTextToDWordTokenEx);
+    ExpectDefaultAndLimits<uint64_t>(VxTextToDWordLongTokenEx);
+    ExpectDefaultAndLimits<int32_t>(VxTextToLongTokenEx);
+    ExpectDefaultAndLimits<int64_t>(VxTextToLongLongTokenEx);
+    for (const int32_t localised : {0, 1})
+        ExpectDefaultAndLimits<double>(
+            [=](const char16_t* text, double value, double low, double high, const char16_t** end) {
+                return VxTextToDoubleTokenEx(text, value, low, high, end, localised);
+            });
+
+    EXPECT_EQ(VxHexToDWordTokenEx(u"10", 7, 0, 50, nullptr), 16u);
+    EXPECT_EQ(VxHexToDWordTokenEx(u"FF", 7, 0, 50, nullptr), 50u);
+    EXPECT_EQ(VxHexToDWordLongTokenEx(u"0x1ffffffff", 7, 0, kMax64, nullptr), 0x1FFFFFFFFu);
+    EXPECT_EQ(VxHexToDWordLongTokenEx(u"0;", 7, 8, 50, nullptr), 8u);
+    EXPECT_EQ(VxTextToLongTokenEx(u"-9", 0, -5, 5, nullptr), -5);
+    EXPECT_EQ(VxTextToDoubleTokenEx(u"-0;", 2.5, -1, 3, nullptr, 0), 2.5);
+    EXPECT_EQ(VxTextToDoubleTokenEx(u"0.25", 2.5, 0.5, 3, nullptr, 0), 0.5);
+}
+
+TEST(Numbers, ALongTokenReadsAsItsFirst63Characters)
+{
+    const OnlyLocale locale("en-US");
+    const std::u16string zeros(62, u'0'), tooLong = zeros + u"78,9.5;";
+    const char16_t* end = nullptr;
+    EXPECT_EQ(VxTextToLongToken(tooLong.c_str(), &end), 7);
+    EXPECT_EQ(*end, u';');
+    EXPECT_EQ(VxTextToLongToken((u"-" + zeros + u"7").c_str(), nullptr), 0);
+    EXPECT_EQ(VxTextToDoubleToken(tooLong.c_str(), &end, 0), 7.0);
+}
+
 } // namespace
 
 TEST(Numbers, IntegersGoToTextAndBackInEveryLocale)

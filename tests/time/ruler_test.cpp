@@ -267,4 +267,33 @@ TEST_F(Ruler, TicksFromText)
     EXPECT_EQ(ticks, 8);
 }
 
+TEST_F(Ruler, DefaultsAndLimits)
+{
+    const struct
+    {
+        const char* name;
+        const char16_t* text;
+        uint32_t flags;
+        int64_t offset, want;
+    } cases[] = {
+        {"empty text gives the default, moved by the offset", u"", 0, 7, 12},
+        {"a lone sign is 0", u"-", 0, 7, 7},
+        {"no number gives the default under limits", u"abc", VXPOS_LIMITS, 0, 5},
+        {"a 0 with something behind it too", u"0;", VXPOS_LIMITS, 0, 5},
+        {"a 0 does not", u"0", VXPOS_LIMITS, 0, 0},
+        {"the test sees the offset", u"abc", VXPOS_LIMITS, 7, 7},
+        {"minimum", u"-1000", VXPOS_LIMITS, 0, -100},
+        {"without limits", u"1000", 0, 0, 1000},
+    };
+    for (const auto& c : cases) {
+        _vxposfmt format = Format(VXPOSFMT_NANOS);
+        format.rulerOffset = c.offset;
+        EXPECT_EQ(VxTextToNanoTimeToken2(c.text, &format, 5, -100, 100, c.flags, nullptr), c.want) << c.name;
+    }
+    const _vxposfmt format = Format(VXPOSFMT_TIME);
+    EXPECT_EQ(VxTextToNanoTimeTokenEx(u"abc", &format, 0, 5, 0, 100, nullptr), 5)
+        << "no field of a clock either";
+    EXPECT_EQ(VxTextToNanoTimeTokenEx(u"9", &format, 0, 5, 200, 100, nullptr), 100) << "minimum first";
+}
+
 } // namespace
