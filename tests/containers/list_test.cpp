@@ -214,4 +214,25 @@ TEST(ListItems, MoveBetweenHeapLists)
     EXPECT_EQ(VxList_DeleteList(heap, -1, -1, 0), S_OK);
 }
 
+TEST(ListLife, CreationRefuses)
+{
+    tVXLIST* list = reinterpret_cast<tVXLIST*>(8);
+    EXPECT_EQ(Create(&list, 8, 1, 4, VXLIST_OPT_ARRAY | VXLIST_OPT_HEAPITEMS), E_FAIL);
+    EXPECT_EQ(list, nullptr);
+    EXPECT_EQ(Create(&list, 8, 1, 4, VXLIST_OPT_INPLACE), E_FAIL);
+    tVXLIST record;
+    std::memset(&record, 0xCC, sizeof(record));
+    tVXLIST* inPlace = &record;
+    EXPECT_EQ(Create(&inPlace, 8, 1, 4, VXLIST_OPT_INPLACE | VXLIST_OPT_ARRAY | VXLIST_OPT_HEAPITEMS),
+              E_FAIL);
+    const tVXLIST zeros = {};
+    EXPECT_EQ(std::memcmp(&record, &zeros, sizeof(record)), 0) << "is cleared before anything is refused";
+    // More bytes than can be counted, and more slots.
+    EXPECT_EQ(Create(&list, uint64_t(1) << 62, 16, 16, VXLIST_OPT_ARRAY), E_OUTOFMEMORY);
+    EXPECT_EQ(Create(&list, uint64_t(1) << 59, 16, 16, VXLIST_OPT_ARRAY), E_OUTOFMEMORY);
+    EXPECT_EQ(Create(&list, 8, INT32_MAX, 16, 0), E_OUTOFMEMORY);
+    EXPECT_EQ(list, nullptr);
+    EXPECT_EQ(VxList_Destroy(nullptr), S_OK);
+}
+
 } // namespace

@@ -335,4 +335,31 @@ TEST(MetricKeys, DeletionsTakeWhatIsBelow)
     EXPECT_TRUE(HasUserKey(u"Software")) << "a hive stays";
 }
 
+TEST_F(Metric, NamesGoByType)
+{
+    constexpr struct
+    {
+        int32_t id;
+        uint32_t type;
+        const char16_t *name, *stored;
+    } kCases[] = {
+        {3, REG_DWORD, u"D3", u"3"},
+        {-3, REG_SZ, u"S3", u"S3"},
+        {30, REG_BINARY, u"B30", u"B30"},
+        {0, REG_MULTI_SZ, u"Z0", u"Z0"},
+        {1, REG_QWORD, u"Z1", u"Z1"},
+        {INT32_MAX, REG_SZ, u"S2147483647", u"S2147483647"},
+        {INT32_MIN, REG_SZ, u"S-2147483648", u"S-2147483648"},
+    };
+    for (const auto& c : kCases) {
+        char16_t name[13];
+        EXPECT_EQ(VxMetricGetName(c.id, c.type, name), int32_t(Text(c.name).size()));
+        EXPECT_EQ(Text(name), c.name);
+        Store(c.stored, c.type, "abcd", 4);
+        EXPECT_EQ(VxDoesMetricExist(metric_, c.id, c.type), S_OK) << c.type;
+        EXPECT_EQ(VxDeleteMetric(metric_, c.id, c.type), S_OK) << c.type;
+        EXPECT_EQ(VxDoesMetricExist(metric_, c.id, c.type), S_FALSE) << c.type;
+    }
+}
+
 } // namespace

@@ -26,6 +26,17 @@ std::u16string Repeat(char16_t c, size_t count)
     return std::u16string(count, c);
 }
 
+TEST_F(PrintEngine, LimitsOfTheUnboundedEngine)
+{
+    const std::u16string text = Repeat(u's', 1500);
+    EXPECT_EQ(Print({u"%s|", text.c_str()}), text.substr(0, 1024) + u"|");
+    EXPECT_EQ(Print({u"%1100c|", u'c'}), Repeat(u' ', 1024) + u"|");
+    EXPECT_EQ(Print({u"%783d|", 1}), Repeat(u' ', 782) + u"1|");
+    EXPECT_EQ(Print({u"$(-)$-5d|%.16z", 42, 5}), u"-42   |0.0000000000000005");
+    EXPECT_EQ(Print({u"%784d|", 1}), Repeat(u' ', 783) + u"|");
+    EXPECT_EQ(Print({u"%.2000000000f|", 0.0}), u"0." + Repeat(u'0', 781) + u"|");
+}
+
 } // namespace
 
 TEST_F(PrintEngine, Forms)
