@@ -87,7 +87,7 @@ TEST(DebugOutputDeathTest, StandardErrorIsUsedWhereTheVariableIsSet)
         OutputDebugStringA("[first]");
         set ? unsetenv("VX_DEBUG") : setenv("VX_DEBUG", "1", 1);
         OutputDebugStringW(u"[second]");
-        std::_Exit(0);
+        std::exit(0); // the child takes its own state folder away
     };
     EXPECT_EXIT(sendThenChange(true), testing::ExitedWithCode(0), "^\\[first\\]\\[second\\]$");
     EXPECT_EXIT(sendThenChange(false), testing::ExitedWithCode(0), "^$");
