@@ -173,9 +173,12 @@ void LookUpFloats(const CopyJob& job, const float* floats)
 void BytesToFloats(const CopyJob& job, VxTransferCurve& curve, int32_t channels)
 {
     const PathCurve path(curve, BuildFloatTable, kByteEntries);
-    if (channels == 4 && path.use == CurveUse::Table)
-        return LookUpFloats(job, curve.floatTable);
-    RunRows(job, SelectBytesToFloat(path.use, channels), path);
+    if (path.use != CurveUse::Table)
+        RunRows(job, SelectBytesToFloat(path.use, channels), path);
+    else if (channels == 4)
+        LookUpFloats(job, curve.floatTable);
+    else
+        RunRows(job, SelectBytes3ToFloatByTable(), path);
 }
 
 } // namespace

@@ -153,13 +153,12 @@ HWY_NOINLINE void Bytes4To3Row(uint8_t* dest, const uint8_t* source, int32_t wid
         std::memcpy(dest, source, 3);
 }
 
-// The workers of one form. Indexes: 1 for four channels, not three; 1 for a table, not no curve. Bytes of four channels
-// and a table are all table.
+// The workers of one form. Indexes: 1 for four channels, not three; 1 for a table, not no curve.
 struct DirectForms
 {
     DirectRowFn dithered[2][2];
     DirectRowFn rounded[2], truncated[2], picked[2];
-    DirectRowFn toFloat[2], toFloatByTable;
+    DirectRowFn toFloat[2], bytes3ToFloatByTable;
     DirectRowFn floats, bytes3To4, bytes4To3;
 };
 
@@ -440,9 +439,12 @@ DirectRowFn SelectFloatToFloat(CurveUse use)
 DirectRowFn SelectBytesToFloat(CurveUse use, int32_t channels)
 {
     const size_t four = channels == 4;
-    if (use == CurveUse::None)
-        return Forms().toFloat[four];
-    return use == CurveUse::Direct ? kToFloatDirectly[four] : Forms().toFloatByTable;
+    return use == CurveUse::Direct ? kToFloatDirectly[four] : Forms().toFloat[four];
+}
+
+DirectRowFn SelectBytes3ToFloatByTable()
+{
+    return Forms().bytes3ToFloatByTable;
 }
 
 DirectRowFn SelectBytes3To4()

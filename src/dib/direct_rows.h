@@ -34,9 +34,10 @@ enum class Levels
 DirectRowFn SelectFloatToBytes(Levels levels, CurveUse use, int32_t channels);
 // Four floats a pixel, each through the curve: by a table of floats, or directly.
 DirectRowFn SelectFloatToFloat(CurveUse use);
-// channels of a source pixel; the fourth becomes 1.0 where there are 3. The table has an entry a byte, and pixels of four
-// have no row of theirs for it: each byte is looked up alike.
+// channels of a source pixel; the fourth becomes 1.0 where there are 3. Without a table.
 DirectRowFn SelectBytesToFloat(CurveUse use, int32_t channels);
+// Of three bytes, by a table of floats with an entry a byte. Those of four are all looked up alike: look_up.h.
+DirectRowFn SelectBytes3ToFloatByTable();
 // Three bytes and 255.
 DirectRowFn SelectBytes3To4();
 // Without the fourth byte.

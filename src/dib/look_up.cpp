@@ -194,16 +194,14 @@ namespace vx {
 
 void LookUpTable::MakePlanes(int32_t entryBits)
 {
-    const int32_t inByte = std::max(8 / entryBits, 1);
-    const int32_t bytes = std::max(entryBits / 8, 1);
+    const int32_t inByte = 8 / entryBits, bytes = entryBits / 8;
+    for (int32_t i = 0; i < kByteValues && inByte > 1; ++i) {
+        const int32_t bitsBehind = 8 - entryBits * (i % inByte + 1), mask = (1 << entryBits) - 1;
+        planes[0][size_t(i)] = uint8_t(entries[size_t(i / inByte)] >> bitsBehind & mask);
+    }
     for (int32_t k = 0; k < std::min(bytes, kPlaneEntry); ++k)
         for (int32_t i = 0; i < kByteValues; ++i)
-            planes[size_t(k)][size_t(i)] = entries[size_t(i / inByte * bytes + k)];
-    if (inByte > 1)
-        for (int32_t i = 0; i < kByteValues; ++i) {
-            const int32_t lower = 8 - entryBits * (i % inByte + 1);
-            planes[0][size_t(i)] = uint8_t(planes[0][size_t(i)] >> lower & ((1 << entryBits) - 1));
-        }
+            planes[size_t(k)][size_t(i)] = entries[size_t(i * bytes + k)];
 }
 
 HWY_EXPORT(ChooseVectorLookUp);

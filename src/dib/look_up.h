@@ -16,8 +16,9 @@ struct LookUpTable
 {
     // One behind the other, without gaps.
     alignas(64) std::array<uint8_t, size_t(kByteValues) * kLongestEntry> entries;
-    // Byte k of each entry is in plane k; entries of less than a byte are alone in the low bits of the first.
-    alignas(64) std::array<std::array<uint8_t, kByteValues>, kPlaneEntry> planes;
+    // Byte k of each entry is in plane k; entries of less than a byte are alone in the low bits of the first. Look-ups may
+    // load planes that their entries do not have.
+    alignas(64) std::array<std::array<uint8_t, kByteValues>, kPlaneEntry> planes{};
 
     // Once the entries are made.
     void MakePlanes(int32_t entryBits);

@@ -94,7 +94,7 @@ struct Strip
 {
     int32_t start, count;
     BoxSpan spans[kStripColumns];
-    int32_t firstShares[kStripColumns], lastShares[kStripColumns]; // of the spans
+    int32_t firstShares[kStripColumns], lastShares[kStripColumns]; // the spans', side by side for vectors
 
     Strip(const ScaleAxis& axis, int32_t startAt)
         : start(startAt), count(std::min(axis.count - startAt, MostColumns(axis.step)))
@@ -413,8 +413,8 @@ struct RowWeights
     HWY_INLINE void Set(const Strip& strip, int32_t start, int32_t count, int32_t rowShare)
     {
         for (int32_t k = 0; k < count; ++k) {
-            first[k] = Multiplier<double>(strip.firstShares[start + k] * rowShare >> kSubpixelBits);
-            last[k] = Multiplier<double>(strip.lastShares[start + k] * rowShare >> kSubpixelBits);
+            first[k] = Multiplier<double>(CoverageProduct(strip.firstShares[start + k], rowShare));
+            last[k] = Multiplier<double>(CoverageProduct(strip.lastShares[start + k], rowShare));
         }
         inner = Multiplier<double>(rowShare);
     }

@@ -50,7 +50,7 @@ Channels<typename Pixel::Channel> LoadPixel(const uint8_t* row, int32_t column)
 // Coverages in sub-pixel units, each up to one pixel; their product likewise.
 constexpr int32_t CoverageProduct(int32_t column, int32_t row)
 {
-    return int32_t(int64_t(column) * row >> kSubpixelBits);
+    return column * row >> kSubpixelBits;
 }
 
 constexpr float kSubpixelToPixel = 1.0f / kSubpixelOne; // exact

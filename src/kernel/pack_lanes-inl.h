@@ -14,8 +14,8 @@ namespace HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// The lanes of two vectors, 0 to 255 (x86 holds signed ones to that), as bytes in the order from which the lower and upper halves of each
-// 16-byte block made these vectors.
+// The lanes of two vectors, 0 to 255, as bytes in the order from which the lower and upper halves of each
+// 16-byte block made these vectors. On x86 signed lanes of any value are held to 0 to 255.
 template <class D, class V>
 HWY_INLINE hn::Vec<D> PackPairs(D bytes, V lower, V upper)
 {
