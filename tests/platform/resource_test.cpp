@@ -57,24 +57,6 @@ using Build = Bytes (*)(const std::vector<TestResource>&);
 constexpr Build kForms[] = {ResImage, [](const std::vector<TestResource>& all) { return PeImage(all, true); },
                             [](const std::vector<TestResource>& all) { return PeImage(all, false); }};
 
-// Everything that an image gives out lies within its bytes, and everything in it can be asked for.
-void Walk(const Bytes& file)
-{
-    // Without spare room behind the end, for the sanitizer.
-    const std::unique_ptr<std::byte[]> exact(new std::byte[file.size()]);
-    std::ranges::copy(std::as_bytes(std::span(file)), exact.get());
-    const std::span<const std::byte> bytes(exact.get(), file.size());
-    const std::span<const std::byte> section = vxplatform::FindElfSection(bytes, ".vxres");
-    const vxplatform::ResourceImage image(section.empty() ? bytes : section);
-    for (const vxplatform::Resource& resource : image.All()) {
-        const auto same = vxplatform::ResourceImage::OfName(image.OfType(resource.type), resource.name);
-        ASSERT_TRUE(!same.empty() && &same.front() <= &resource && &resource <= &same.back());
-        volatile unsigned sum = 0; // that they are read
-        for (const std::byte byte : resource.data)
-            sum = sum + unsigned(byte);
-    }
-}
-
 } // namespace
 
 // Random images in all forms against a plain map.
@@ -179,44 +161,4 @@ TEST(Resources, AreEnumeratedOnce)
         EXPECT_FALSE(EnumResourceNamesW(file.module, RT_MENU, onName, LONG_PTR(&names)));
         EXPECT_EQ(GetLastError(), ERROR_RESOURCE_TYPE_NOT_FOUND);
     }
-}
-
-// Every half word of small files with values that overflow sums and lead elsewhere, and every length.
-TEST(Resources, DamageHarmsNothing)
-{
-    const std::vector<TestResource> all = {
-        {u"T", u"NAME", 0x0409, {1, 2, 3}}, {10, 1, 0, {4}}, {10, 1, 7, {5}}, Strings(0, 0, {u"text"})};
-    std::vector<Bytes> files = {ResImage(all), PeImage(all, true), PeImage(all, false)};
-    std::ifstream module(VX_TEST_MODULE_WITH_SECTION, std::ios::binary);
-    files.emplace_back(std::istreambuf_iterator<char>(module), std::istreambuf_iterator<char>());
-    for (const Bytes& file : files) {
-        // Of a shared object the head and the section headers, which are its end, count.
-        const auto counts = [&](size_t at) { return at < 1024 || at + 4096 > file.size(); };
-        for (size_t at = 0; at + 4 <= file.size(); at += 2) {
-            if (!counts(at))
-                continue;
-            Walk(Bytes(file.begin(), file.begin() + ptrdiff_t(at)));
-            for (const uint32_t value :
-                 {0u, 1u, 0xFFFFu, 0x7FFFFFFFu, 0x80000000u, 0x80000018u, 0xFFFFFFF0u}) {
-                Bytes damaged = file;
-                Store(damaged, at, value);
-                Walk(damaged);
-            }
-        }
-    }
-}
-
-// Directories that share their entries are not walked once for each way that leads there: here every
-// second entry leads back to the second directory, the others to the leaf.
-TEST(Resources, ALabyrinthIsLeft)
-{
-    constexpr uint16_t kEntries = 30000;
-    constexpr uint32_t kSecond = 24, kLeaf = 72;
-    Bytes file = PeImage({{10, 1, 0, Bytes(8 * kEntries)}});
-    Store(file, kResourceOffset + kLeaf + 4, 1); // byte of data
-    for (const uint32_t directory : {0u, kSecond})
-        Store(file, kResourceOffset + directory + 14, kEntries);
-    for (size_t at = kResourceOffset + kLeaf + 16, i = 0; at + 8 <= file.size(); at += 8, ++i)
-        Store(file, at + 4, i % 2 ? kLeaf : 0x80000000u | kSecond);
-    Walk(file);
 }

@@ -99,33 +99,6 @@ TEST_F(BitmapCommand, ScaleFiltersKeepTheirRules)
     }
 }
 
-double Overlap(double first, double last, double pixel)
-{
-    return std::max(0.0, std::min(last, pixel + 1) - std::max(first, pixel));
-}
-
-TEST_F(BitmapCommand, EdgesBetweenPixelsAndSoftOnes)
-{
-    folder.Run("fill white.png --size 4x4 --colour ffffff");
-    folder.Run("fill black.png --size 10x10");
-    const std::string scale = "scale white.png out.png 10x10 --onto black.png ";
-    const Rule covered = [](int32_t x, int32_t y) {
-        return 255 * Overlap(1.25, 6.5, x) * Overlap(2.5, 5.25, y);
-    };
-    ExpectPlane(Made(scale + "--to 1.25,2.5,5.25x2.75"), covered, 1.01, "sub-pixel");
-    ExpectPlane(Made(scale + "--to 1.25,2.5,5.25x2.75 --float --type rgba32"), covered, 1.01, "float");
-    ExpectPlane(
-        Made(scale + "--to 1.25,2.5,5.25x2.75 --hard"),
-        [&](int32_t x, int32_t y) { return covered(x, y) > 0 ? 255 : 0; }, 0.01, "hard");
-    // The outermost pixel has a quarter of the new picture, the next two quarters, and so on.
-    const Rule soft = [](int32_t x, int32_t y) {
-        const int32_t deep = std::min({x, y, 9 - x, 9 - y});
-        return 255 * std::min(deep + 1, 4) / 4.0;
-    };
-    ExpectPlane(Made(scale + "--feather 3"), soft, 2.01, "feather");
-    ExpectPlane(Made(scale + "--feather 3 --float --type rgba32"), soft, 1.01, "float feather");
-}
-
 TEST_F(BitmapCommand, FieldsComeApartAndTogether)
 {
     for (const int32_t height : {2, 5, 8}) {
